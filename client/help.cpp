@@ -1,0 +1,180 @@
+#include "client/help.h"
+
+#include <string.h>
+
+#include "client/arguments.h"
+#include "client/call.h"
+#include "client/names.h"
+#include "client/print.h"
+
+// Where the summaries of a list begin; three operations in four are shorter.
+constexpr int SUMMARY_COLUMN = 46;
+
+// Where the meanings of arguments begin, behind all but the longest names.
+constexpr int ARGUMENT_COLUMN = 14;
+
+// The second block of numbers begins here and has always been written in hexadecimal.
+constexpr uint32_t SECOND_BLOCK = 0x1000000;
+
+void print_program_help(FILE *out) {
+    fprintf(out,
+            "usage: %s [--timeout SECONDS] OPERATION [ARGUMENT...]\n"
+            "       %s list [WORD]        the operations, all or those with WORD in name, subject or summary\n"
+            "       %s help [OPERATION]   this text, or everything about one operation\n"
+            "       %s reference          the page of all procedures, in Markdown\n"
+            "       %s interface          the interface file for rpcgen\n"
+            "\n"
+            "Calls one operation of the Wi-Fi configuration server at %s and prints its result.\n"
+            "getSsid, get_ssid and wlan_get_ssid name the same operation, in any capitalisation.\n"
+            "Words behind the operation are its arguments, also when they begin with a minus sign.\n"
+            "\n"
+            "  --timeout SECONDS   wait this long for the answer, 1 to %d, %d if not given\n"
+            "  --help              this text\n"
+            "\n"
+            "Exit status: 0 success, 1 the server answered a failure, 2 bad usage, 3 no answer.\n",
+            PROGRAM_NAME, PROGRAM_NAME, PROGRAM_NAME, PROGRAM_NAME, PROGRAM_NAME, SERVICE_ADDRESS, TIMEOUT_SECONDS_MAX,
+            DEFAULT_TIMEOUT_SECONDS);
+}
+
+int print_synopsis(FILE *out, const procedure_row *row) {
+    char name[OPERATION_NAME_SIZE];
+    operation_name(row, name);
+    int width = fprintf(out, "%s", name);
+    for (size_t i = 0; i < row->argument_count; i++)
+        width += fprintf(out, " <%s>", row->arguments[i].name);
+    return width;
+}
+
+void print_usage(FILE *out, const procedure_row *row) {
+    fprintf(out, "usage: %s ", PROGRAM_NAME);
+    print_synopsis(out, row);
+    putc('\n', out);
+}
+
+static const char *output_text(output_kind kind) {
+    switch (kind) {
+        case output_kind::INT:
+            return "integer";
+        case output_kind::UINT:
+            return "unsigned integer";
+        case output_kind::BOOL:
+            return "0 or 1";
+    }
+    return "";
+}
+
+static void print_words_shape(FILE *out, const result_row *result) {
+    fprintf(out, "%s (unsigned integers", result->name);
+    for (size_t i = 0; i < result->size / sizeof(uint32_t); i++)
+        fprintf(out, "%s %s", i ? "," : "", word_name(result->type, i));
+    putc(')', out);
+}
+
+void print_result_shape(FILE *out, const result_row *result) {
+    switch (result->kind) {
+        case result_kind::CODE:
+        case result_kind::ACTION:
+            fputs("success or failure", out);
+            break;
+        case result_kind::INTEGERS:
+            for (size_t i = 0; i < result->output_count; i++)
+                fprintf(out, "%s%s (%s)", i ? ", " : "", result->outputs[i].name, output_text(result->outputs[i].kind));
+            break;
+        case result_kind::INTEGERS64:
+            fprintf(out, "%s (%zu 64-bit integer%s)", result->name, result->size, result->size == 1 ? "" : "s");
+            break;
+        case result_kind::WORDS:
+            print_words_shape(out, result);
+            break;
+        case result_kind::STRING:
+        case result_kind::LONG_STRING:
+            fprintf(out, "%s (text)", result->name);
+            break;
+        case result_kind::IMAGE:
+            fprintf(out, "%s (%s, %zu bytes)", result->name, result->type, result->size);
+            break;
+        case result_kind::COUNTED_IMAGE:
+            fprintf(out, "count (integer), %s (%s, %zu bytes)", result->name, result->type, result->size);
+            break;
+    }
+}
+
+void print_number(FILE *out, uint32_t number) {
+    fprintf(out, number < SECOND_BLOCK ? "%u" : "0x%X", number);
+}
+
+const char *handler_file(const procedure_row *row) {
+    switch (row->kind) {
+        case procedure_kind::PROCEDURE:
+        case procedure_kind::PENDING:
+            return "handlers/regular.cpp";
+        case procedure_kind::BY_HAND:
+            return "handlers/by_hand.cpp";
+    }
+    return "";
+}
+
+static const char *not_offered_note(const procedure_row *row) {
+    return row->kind == procedure_kind::PENDING ? " (not offered yet)" : "";
+}
+
+static bool has_back_end(const procedure_row *row) {
+    return strcmp(row->back_end, "none") != 0;
+}
+
+void print_operation_help(FILE *out, const procedure_row *row) {
+    char name[OPERATION_NAME_SIZE];
+    operation_name(row, name);
+    fprintf(out, "%s: %s%s\n\n", name, row->summary, not_offered_note(row));
+    print_usage(out, row);
+    for (size_t i = 0; i < row->argument_count; i++) {
+        int width = fprintf(out, "  <%s>", row->arguments[i].name);
+        fprintf(out, "%*s  %s\n", width < ARGUMENT_COLUMN ? ARGUMENT_COLUMN - width : 0, "",
+                accepted_text(row->arguments[i].kind));
+    }
+    fputs("\nresult     ", out);
+    print_result_shape(out, &row->result);
+    fprintf(out, "\nsubject    %s\nprocedure  %s, number ", row->subject, row->name);
+    print_number(out, row->number);
+    fprintf(out, "\nhandler    %s_1_svc in %s\n", row->name, handler_file(row));
+    if (has_back_end(row))
+        fprintf(out, "back end   %s in %s.cpp\n", row->back_end, row->room);
+    else
+        fputs("back end   none\n", out);
+}
+
+static void print_list_line(FILE *out, const procedure_row *row) {
+    fputs("  ", out);
+    int width = print_synopsis(out, row);
+    fprintf(out, "%*s  %s%s\n", width < SUMMARY_COLUMN ? SUMMARY_COLUMN - width : 0, "", row->summary,
+            not_offered_note(row));
+}
+
+// The matching rows of a subject that begins with this row, under its heading. Rows of one subject do not stand
+// together in the table, which follows the numbers.
+static size_t print_subject(FILE *out, const procedure_row *first, const char *word) {
+    size_t count = 0;
+    for (const procedure_row *row = first; row < procedure_rows + procedure_row_count; row++) {
+        if (strcmp(row->subject, first->subject) != 0 || !operation_matches(row, word))
+            continue;
+        if (count++ == 0)
+            fprintf(out, "%s\n", row->subject);
+        print_list_line(out, row);
+    }
+    return count;
+}
+
+static bool begins_its_subject(const procedure_row *row) {
+    for (const procedure_row *earlier = procedure_rows; earlier < row; earlier++)
+        if (strcmp(earlier->subject, row->subject) == 0)
+            return false;
+    return true;
+}
+
+size_t print_list(FILE *out, const char *word) {
+    size_t count = 0;
+    for (const procedure_row *row = procedure_rows; row < procedure_rows + procedure_row_count; row++)
+        if (begins_its_subject(row))
+            count += print_subject(out, row, word);
+    return count;
+}

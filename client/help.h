@@ -1,0 +1,35 @@
+// What the client tells about itself and its operations. Everything about an operation comes from its row.
+//
+// Writes to the given stream only.
+#pragma once
+
+#include <stdio.h>
+
+#include "client/operations.h"
+
+// The program's name, which begins its usage lines and messages.
+constexpr const char PROGRAM_NAME[] = "vlk_rpc_wlan_config_client";
+
+// How the program is called.
+void print_program_help(FILE *out);
+
+// setSsid <index> <ssid>. Returns the number of characters.
+int print_synopsis(FILE *out, const procedure_row *row);
+
+// usage: vlk_rpc_wlan_config_client setSsid <index> <ssid>
+void print_usage(FILE *out, const procedure_row *row);
+
+// What a result carries, in words: "port (integer), index (integer)".
+void print_result_shape(FILE *out, const result_row *result);
+
+// 21, or 0x100000C in the second block of numbers.
+void print_number(FILE *out, uint32_t number);
+
+// The source file with the row's handler.
+const char *handler_file(const procedure_row *row);
+
+// All that the table knows about one operation.
+void print_operation_help(FILE *out, const procedure_row *row);
+
+// One line for each operation that the word matches, all of them for "", under their subjects. Returns how many.
+size_t print_list(FILE *out, const char *word);

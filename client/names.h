@@ -1,0 +1,27 @@
+// Names of operations: what people type and what they are shown.
+//
+// Procedure wlan_check_thread_queue is operation checkThreadQueue. Its snake-case spellings and any capitalisation mean
+// the same, with or without the leading wlan. Pure functions over the table; any thread may call them.
+#pragma once
+
+#include <stddef.h>
+
+#include "client/operations.h"
+
+// Room for the name of any operation and its NUL.
+constexpr size_t OPERATION_NAME_SIZE = 64;
+
+// As many names as a person reads before asking for the list instead.
+constexpr size_t SUGGESTIONS_MAX = 5;
+
+// wlan_check_thread_queue becomes checkThreadQueue.
+void operation_name(const procedure_row *row, char name[OPERATION_NAME_SIZE]);
+
+// The row a word names, nullptr when there is none.
+const procedure_row *find_operation(const char *word);
+
+// The rows a mistyped word may have meant, the most likely first. Returns how many.
+size_t suggest_operations(const char *word, const procedure_row *suggestions[SUGGESTIONS_MAX]);
+
+// Whether the word is part of a row's name, subject or summary, in whatever capitalisation.
+bool operation_matches(const procedure_row *row, const char *word);

@@ -1,0 +1,206 @@
+#include "client/reference.h"
+
+#include <ctype.h>
+#include <string.h>
+
+#include "client/help.h"
+#include "client/names.h"
+#include "server/wire.h"
+
+static const char REFERENCE_HEAD[] =
+    "# Procedures\n"
+    "\n"
+    "This page is printed by `vlk_rpc_wlan_config_client reference`. Do not edit it: change `server/procedures.def`\n"
+    "and print it again.\n"
+    "\n"
+    "Every procedure of the server has one row in `server/procedures.def`. Its other names are made from that row by\n"
+    "the preprocessor and stand in no source file, so they are spelled out here, for whoever searches for one:\n"
+    "\n"
+    "- `PROC_wlan_x` is its number in C++, `WLAN_X` in `docs/wlan_config.x`;\n"
+    "- `x` in camel case is its operation on the command line;\n"
+    "- `_wlan_x_1`, the wrapper in `server/dispatch.cpp`, unpacks the arguments for the handler `wlan_x_1_svc`;\n"
+    "- arguments travel as the record `wlan_x_1_argument` (a few procedures share one or have another name), a single\n"
+    "  one mostly as a bare value, and `xdr_` and the record's name is the routine that encodes and decodes them;\n"
+    "- the result is `wlan_config_return_code_e`, or `wlan_config_result_data_t` with the payload that is named.\n"
+    "\n"
+    "An operation that is *not offered yet* has no back end: a call gets the unavailable-procedure error, as for the\n"
+    "numbers that are unassigned. Names are in `code` type; files are given from the root of the sources.\n"
+    "\n"
+    "| number | procedure | operation | wrapper, handler | arguments | result | back end | summary |\n"
+    "|---|---|---|---|---|---|---|---|\n";
+
+static const char *element_text(argument_kind kind) {
+    switch (kind) {
+        case argument_kind::VAP:
+            return "VAP";
+        case argument_kind::INT:
+            return "int";
+        case argument_kind::IGNORED:
+            return "int, ignored:";
+        case argument_kind::UINT:
+            return "u_int";
+        case argument_kind::USHORT:
+            return "u_short";
+        case argument_kind::BOOL:
+            return "bool";
+        case argument_kind::TEXT:
+            return "string";
+    }
+    return "";
+}
+
+static void print_arguments_cell(FILE *out, const procedure_row *row) {
+    if (row->argument_count == 0)
+        fputs("void", out);
+    for (size_t i = 0; i < row->argument_count; i++)
+        fprintf(out, "%s%s %s", i ? ", " : "", element_text(row->arguments[i].kind), row->arguments[i].name);
+    if (*row->record)
+        fprintf(out, "; `%s`, `xdr_%s`", row->record, row->record);
+}
+
+static void print_result_cell(FILE *out, const result_row *result) {
+    if (result->kind == result_kind::CODE) {
+        fputs("`wlan_config_return_code_e`", out);
+        return;
+    }
+    fputs("`wlan_config_result_data_t`: ", out);
+    if (result->kind == result_kind::ACTION)
+        fputs("nothing", out);
+    else
+        print_result_shape(out, result);
+}
+
+static void print_back_end_cell(FILE *out, const procedure_row *row) {
+    if (strcmp(row->back_end, "none") == 0)
+        fputs("none", out);
+    else
+        fprintf(out, "`%s`, %s.cpp", row->back_end, row->room);
+}
+
+static void print_reference_row(FILE *out, const procedure_row *row) {
+    char name[OPERATION_NAME_SIZE];
+    operation_name(row, name);
+    fputs("| ", out);
+    print_number(out, row->number);
+    fprintf(out, " `PROC_%s` | `%s` | `%s` | `_%s_1`, `%s_1_svc` in %s | ", row->name, row->name, name, row->name,
+            row->name, handler_file(row));
+    print_arguments_cell(out, row);
+    fputs(" | ", out);
+    print_result_cell(out, &row->result);
+    fputs(" | ", out);
+    print_back_end_cell(out, row);
+    fprintf(out, " | %s%s |\n", row->summary, row->kind == procedure_kind::PENDING ? " (*not offered yet*)" : "");
+}
+
+static void print_unassigned_row(FILE *out, const unassigned_range *range) {
+    fputs("| ", out);
+    print_number(out, range->first);
+    if (range->last != range->first) {
+        fputs(" to ", out);
+        print_number(out, range->last);
+    }
+    fputs(" | *unassigned* | | | | | | |\n", out);
+}
+
+// Both lists ascend, so each hole stands before the first procedure behind it.
+void print_reference(FILE *out) {
+    fputs(REFERENCE_HEAD, out);
+    size_t hole = 0;
+    for (size_t i = 0; i < procedure_row_count; i++) {
+        for (; hole < unassigned_range_count && unassigned_ranges[hole].first < procedure_rows[i].number; hole++)
+            print_unassigned_row(out, &unassigned_ranges[hole]);
+        print_reference_row(out, &procedure_rows[i]);
+    }
+    for (; hole < unassigned_range_count; hole++)
+        print_unassigned_row(out, &unassigned_ranges[hole]);
+}
+
+static const char INTERFACE_HEAD[] =
+    "/*\n"
+    " * The Wi-Fi configuration server of the gateway, for rpcgen -N.\n"
+    " *\n"
+    " * Printed by `vlk_rpc_wlan_config_client interface`. Do not edit it: change server/procedures.def and print it\n"
+    " * again. The server answers over UDP only; ask the portmapper at 192.168.254.254 for its port. A call must not "
+    "be\n"
+    " * repeated when its answer is late, or a setter is carried out twice: set the retry timeout to the call's "
+    "timeout.\n"
+    " */\n"
+    "\n"
+    "/* The most that return_data carries. */\n";
+
+static const char INTERFACE_TYPES[] =
+    "\n"
+    "/* Every value but 0 is a failure. */\n"
+    "enum wlan_config_return_code_e {\n"
+    "    WLAN_CONFIG_SUCCESS = 0,\n"
+    "    WLAN_CONFIG_FAILURE = -1\n"
+    "};\n"
+    "\n"
+    "/*\n"
+    " * Integers are in return_values, texts and records in return_data; the comment behind each procedure says "
+    "which.\n"
+    " * return_values has four times as many elements as there are integers: the integers stand in front, the other\n"
+    " * elements are 0 and mean nothing. A 64-bit integer takes two, the low word first.\n"
+    " * A text ends with a NUL, which is part of return_data. A record is the server's memory image of it, in the "
+    "byte\n"
+    " * order of the gateway; server/records.h has the layouts.\n"
+    " */\n"
+    "struct wlan_config_result_data_t {\n"
+    "    wlan_config_return_code_e return_code;\n"
+    "    unsigned int return_values<>;\n"
+    "    opaque return_data<RESULT_DATA_SIZE>;\n"
+    "};\n"
+    "\n"
+    "program WLAN_CONFIG_RPC_PROG {\n"
+    "    version WLAN_CONFIG_API_VERSION {\n";
+
+static const char *interface_type(argument_kind kind) {
+    switch (kind) {
+        case argument_kind::VAP:
+        case argument_kind::INT:
+        case argument_kind::IGNORED:
+            return "int";
+        case argument_kind::UINT:
+            return "unsigned int";
+        case argument_kind::USHORT:
+            return "unsigned short";
+        case argument_kind::BOOL:
+            return "bool";
+        case argument_kind::TEXT:
+            return "string";
+    }
+    return "";
+}
+
+// WLAN_GET_SSID
+static void print_upper(FILE *out, const char *name) {
+    for (; *name; name++)
+        putc(toupper(static_cast<unsigned char>(*name)), out);
+}
+
+// A record of one member is the same on the wire as the bare value, so that is what it is declared as.
+static void print_interface_procedure(FILE *out, const procedure_row *row) {
+    bool bare = row->result.kind == result_kind::CODE;
+    fprintf(out, "\n        /* %s%s", row->summary, row->kind == procedure_kind::PENDING ? " (not offered yet)" : "");
+    if (!bare && row->result.kind != result_kind::ACTION) {
+        fputs("; ", out);
+        print_result_shape(out, &row->result);
+    }
+    fprintf(out, " */\n        %s ", bare ? "wlan_config_return_code_e" : "wlan_config_result_data_t");
+    print_upper(out, row->name);
+    fputs(row->argument_count == 0 ? "(void" : "(", out);
+    for (size_t i = 0; i < row->argument_count; i++)
+        fprintf(out, "%s%s /* %s */", i ? ", " : "", interface_type(row->arguments[i].kind), row->arguments[i].name);
+    fputs(") = ", out);
+    print_number(out, row->number);
+    fputs(";\n", out);
+}
+
+void print_interface(FILE *out) {
+    fputs(INTERFACE_HEAD, out);
+    fprintf(out, "const RESULT_DATA_SIZE = %u;\n", RESULT_DATA_SIZE);
+    fputs(INTERFACE_TYPES, out);
+    for (size_t i = 0; i < procedure_row_count; i++)
+        print_interface_procedure(out, &procedure_rows[i]);
+    fprintf(out, "    } = %u;\n} = 0x%08X;\n", WLAN_CONFIG_API_VERSION, WLAN_CONFIG_RPC_PROG);
+}

@@ -1,0 +1,27 @@
+// The doors through which the server runs shell commands: one with captured output, one without.
+//
+// Touches the platform shell. Service thread and lifecycle workers both call it; it keeps no state but the
+// search path, which is set once.
+#pragma once
+
+// Runs a shell command and captures its whole standard output.
+//
+// caller   name of the calling operation, used in messages only.
+// output   receives a NUL-terminated heap text that the caller frees, also when -1 is returned and a buffer was
+//          already there; null when nothing could be captured. A silent command yields an empty text, not null.
+// Returns 0 when the command could be started and read, -1 when the pipe could not be opened or memory ran out.
+// The command's exit status is not examined. A command that ends in '&' must not come here: the daemon would
+// inherit the pipe and hold it open for ever; use run_shell.
+int athcfg_executecmd(const char *caller, const char *command, char **output);
+
+// The same with a formatted command. -1 and a null output also when the command text itself finds no memory.
+int athcfg_executecmdf(const char *caller, char **output, const char *format, ...)
+    __attribute__((format(printf, 3, 4)));
+
+// Runs a shell command with the server's own standard output and waits for it (a command that ends in '&' is not
+// waited for). Returns what system() returns.
+int run_shell(const char *command);
+
+// Appends /etc/ath, where the driver's scripts live, to PATH unless PATH names it already. Only the first call
+// does anything. Always returns 0.
+int athcfg_set_path(void);

@@ -1,0 +1,101 @@
+#include "simulator/driver_state.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <time.h>
+#include <unistd.h>
+
+#include "simulator/paths.h"
+#include "simulator/store.h"
+
+double driver_clock(void) {
+    timespec now = {};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    return (double)now.tv_sec + (double)now.tv_nsec / 1e9;
+}
+
+static void read_state_line(driver_state *state, const char *line) {
+    int number;
+    unsigned channel;
+    double since;
+    if (strcmp(line, "loaded\n") == 0)
+        state->loaded = true;
+    else if (sscanf(line, "up ath%d %lf", &number, &since) == 2 && number >= 0 && number < SCENARIO_VAPS)
+        state->vaps[number] = {true, since};
+    else if (sscanf(line, "channel wifi%d %u", &number, &channel) == 2 && number >= 0 && number < SCENARIO_RADIOS)
+        state->channel[number] = channel;
+}
+
+void driver_state_read(driver_state *state) {
+    *state = {};
+    FILE *file = fopen(GATEWAY_DRIVER_STATE, "re");
+    if (file == nullptr)
+        return;
+    char line[64];
+    while (fgets(line, sizeof line, file) != nullptr)
+        read_state_line(state, line);
+    fclose(file);
+}
+
+int driver_state_write(const driver_state *state) {
+    char beside[sizeof GATEWAY_DRIVER_STATE + 8];
+    snprintf(beside, sizeof beside, "%s.new", GATEWAY_DRIVER_STATE);
+    FILE *file = fopen(beside, "we");
+    if (file == nullptr)
+        return -1;
+    if (state->loaded)
+        fputs("loaded\n", file);
+    for (int i = 0; i < SCENARIO_VAPS; i++) {
+        if (state->vaps[i].up)
+            fprintf(file, "up ath%d %.6f\n", i, state->vaps[i].since);
+    }
+    for (int i = 0; i < SCENARIO_RADIOS; i++) {
+        if (state->channel[i] != 0)
+            fprintf(file, "channel wifi%d %u\n", i, state->channel[i]);
+    }
+    if (fclose(file) != 0)
+        return -1;
+    return rename(beside, GATEWAY_DRIVER_STATE);
+}
+
+int driver_state_lock(void) {
+    // The same kind of lock as the store's, on a file of its own.
+    return store_lock(GATEWAY_DRIVER_LOCK);
+}
+
+bool driver_has_interface(const driver_state *state, const char *name) {
+    int vap = vap_of_interface(name);
+    if (vap >= 0)
+        return state->vaps[vap].up;
+    return radio_of_device(name) >= 0 && state->loaded;
+}
+
+// A decimal setting of the store, 0 when absent.
+static int setting(const store_text *store, const char *name, int index) {
+    char key[SETTING_KEY_SIZE];
+    store_key(name, index, key, sizeof key);
+    size_t length;
+    const char *value = store_find(store, key, &length);
+    // The value ends in LF, which atoi stops at.
+    return value != nullptr ? atoi(value) : 0;
+}
+
+void driver_bring_up(driver_state *state, const scenario *scene, const char *store_path) {
+    store_text store;
+    if (store_load(store_path, &store) != 0)
+        return;
+    state->loaded = true;
+    for (int i = 0; i < SCENARIO_VAPS; i++) {
+        const scenario_vap *vap = &scene->vaps[i];
+        // A radio's settings stand under the bare key for radio 1 and under suffix _2 for radio 0.
+        bool wanted = vap->declared && setting(&store, "AP_RADIO_ENABLED", vap->radio == 1 ? 1 : 2) != 0 &&
+                      setting(&store, "AP_ENABLE", i + 1) != 0;
+        if (wanted && !state->vaps[i].up)
+            state->vaps[i].since = driver_clock();
+        state->vaps[i].up = wanted;
+    }
+    for (unsigned &channel : state->channel)
+        channel = 0;
+    store_free(&store);
+}

@@ -1,0 +1,418 @@
+// vlk_simulated_gateway: a whole gateway on any Linux machine, in namespaces of its own.
+//
+// Two processes. The outer one reads options and scenario, enters the namespaces and waits. The inner one is the first
+// process of the gateway: it builds the root, starts the daemons, runs the command, and takes the gateway with it when
+// it ends. Nothing of the host is written, signalled or reached from inside. See docs/simulated-gateway.md.
+#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <poll.h>
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "simulator/driver_state.h"
+#include "simulator/initial_store.h"
+#include "simulator/internal_address.h"
+#include "simulator/namespaces.h"
+#include "simulator/paths.h"
+#include "simulator/private_root.h"
+#include "simulator/scenario.h"
+#include "simulator/services.h"
+
+struct options {
+    char home[PATH_MAX];  // the launcher's own folder in the build tree
+    char scenario[PATH_MAX];
+    char server[PATH_MAX];
+    char client[PATH_MAX];
+    char rpcbind[PATH_MAX];
+    char rpcinfo[PATH_MAX];  // empty unless it comes with a portmapper that is not installed
+    char driver[PATH_MAX];
+    char tools[PATH_MAX];
+    char work[PATH_MAX];  // the caller's working directory
+    bool bare;
+    char **command;  // mode first: tour, shell or run
+};
+
+static bool complain(const char *what, const char *why) {
+    fprintf(stderr, "vlk_simulated_gateway: %s: %s\n", what, why);
+    return false;
+}
+
+static bool usage(void) {
+    fputs(
+        "usage: vlk_simulated_gateway [--scenario FILE] [--server PROGRAM] [--client PROGRAM] [--rpcbind PROGRAM]\n"
+        "                             [--bare] tour | shell | run COMMAND [ARG...]\n",
+        stderr);
+    return false;
+}
+
+// Options.
+
+// An absolute path without links, or the path as given when nothing is there.
+static void resolve(char *path) {
+    char real[PATH_MAX];
+    if (realpath(path, real) != nullptr)
+        snprintf(path, PATH_MAX, "%s", real);
+}
+
+static void set_path(char *path, const char *value) {
+    snprintf(path, PATH_MAX, "%s", value);
+    resolve(path);
+}
+
+static void set_beside(char *path, const char *home, const char *name) {
+    if (snprintf(path, PATH_MAX, "%s/%s", home, name) >= PATH_MAX)
+        path[0] = '\0';
+    resolve(path);
+}
+
+// Finds a program as a shell would, in root's folders too, which an ordinary user's PATH leaves out.
+static void find_program(const char *name, char *path) {
+    char folders[8192];
+    const char *own = getenv("PATH");
+    snprintf(folders, sizeof folders, "%s:/sbin:/usr/sbin", own != nullptr ? own : "");
+    char *rest = nullptr;
+    for (char *folder = strtok_r(folders, ":", &rest); folder != nullptr; folder = strtok_r(nullptr, ":", &rest)) {
+        snprintf(path, PATH_MAX, "%s/%s", folder, name);
+        if (access(path, X_OK) == 0) {
+            resolve(path);
+            return;
+        }
+    }
+    path[0] = '\0';
+}
+
+static bool set_defaults(options *given) {
+    ssize_t length = readlink("/proc/self/exe", given->home, sizeof given->home - 1);
+    if (length < 0)
+        return complain("/proc/self/exe", strerror(errno));
+    given->home[length] = '\0';
+    *strrchr(given->home, '/') = '\0';
+    set_beside(given->scenario, given->home, "scenarios/home.scn");
+    set_beside(given->server, given->home, "../server/vlk_rpc_wlan_config_server");
+    set_beside(given->client, given->home, "../client/vlk_rpc_wlan_config_client");
+    set_beside(given->driver, given->home, "libvlk_gateway_driver.so");
+    set_beside(given->tools, given->home, "vlk_gateway_tools");
+    find_program("rpcbind", given->rpcbind);
+    if (getcwd(given->work, sizeof given->work) == nullptr)
+        snprintf(given->work, sizeof given->work, "/");
+    return true;
+}
+
+// The place for the value of an option, null when it is none.
+static char *option_value(options *given, const char *name) {
+    if (strcmp(name, "--scenario") == 0)
+        return given->scenario;
+    if (strcmp(name, "--server") == 0)
+        return given->server;
+    if (strcmp(name, "--client") == 0)
+        return given->client;
+    if (strcmp(name, "--rpcbind") == 0)
+        return given->rpcbind;
+    return nullptr;
+}
+
+static bool read_options(options *given, int argument_count, char **arguments) {
+    int i = 1;
+    for (; i < argument_count && strncmp(arguments[i], "--", 2) == 0; i++) {
+        char *value = option_value(given, arguments[i]);
+        if (strcmp(arguments[i], "--bare") == 0)
+            given->bare = true;
+        else if (value != nullptr && i + 1 < argument_count)
+            set_path(value, arguments[++i]);
+        else
+            return usage();
+    }
+    given->command = arguments + i;
+    int words = argument_count - i;
+    bool known = (words == 1 && (strcmp(arguments[i], "tour") == 0 || strcmp(arguments[i], "shell") == 0)) ||
+                 (words > 1 && strcmp(arguments[i], "run") == 0);
+    return known || usage();
+}
+
+// A portmapper that was unpacked rather than installed has its rpcinfo beside it, where nobody would find it.
+static void find_rpcinfo(options *given) {
+    static const char *const places[] = {"rpcinfo", "../usr/sbin/rpcinfo", "../usr/bin/rpcinfo"};
+    char folder[PATH_MAX];
+    find_program("rpcinfo", given->rpcinfo);
+    bool installed = given->rpcinfo[0] != '\0';
+    given->rpcinfo[0] = '\0';
+    snprintf(folder, sizeof folder, "%s", given->rpcbind);
+    char *slash = strrchr(folder, '/');
+    if (installed || slash == nullptr)
+        return;
+    *slash = '\0';
+    for (const char *place : places) {
+        set_beside(given->rpcinfo, folder, place);
+        if (access(given->rpcinfo, X_OK) == 0)
+            return;
+    }
+    given->rpcinfo[0] = '\0';
+}
+
+static bool check_program(const char *path, const char *what, const char *remedy) {
+    struct stat status;
+    if (stat(path, &status) == 0 && S_ISREG(status.st_mode) && access(path, X_OK) == 0)
+        return true;
+    fprintf(stderr, "vlk_simulated_gateway: there is no %s%s%s; %s\n", what, path[0] != '\0' ? " at " : "", path,
+            remedy);
+    return false;
+}
+
+static bool check_programs(const options *given) {
+    if (!check_program(given->tools, "tools program", "build the target vlk_gateway_tools") ||
+        !check_program(given->driver, "driver library", "build the target vlk_gateway_driver"))
+        return false;
+    return given->bare ||
+           (check_program(given->server, "server", "build it, or name one with --server") &&
+            check_program(given->client, "client", "build it, or name one with --client") &&
+            check_program(given->rpcbind, "rpcbind", "install the package rpcbind, or name one with --rpcbind"));
+}
+
+// The inner process.
+
+static bool write_file(const char *path, const char *text, size_t length) {
+    FILE *file = fopen(path, "we");
+    if (file == nullptr)
+        return complain(path, strerror(errno));
+    size_t written = fwrite(text, 1, length, file);
+    return (fclose(file) == 0 && written == length) || complain(path, strerror(errno));
+}
+
+static bool copy_scenario(const char *text, size_t length) {
+    return (mkdir(GATEWAY_DIRECTORY, 0755) == 0 || complain(GATEWAY_DIRECTORY, strerror(errno))) &&
+           (mkdir(GATEWAY_FAULTS, 0755) == 0 || complain(GATEWAY_FAULTS, strerror(errno))) &&
+           write_file(GATEWAY_JOURNAL, "", 0) && write_file(GATEWAY_SCENARIO, text, length);
+}
+
+// The store and the state of the driver that the scenario begins with.
+static bool lay_down_state(const scenario *scene) {
+    store_text store;
+    bool laid = initial_store(scene, &store) == 0 && store_save(APCFG_STORE, &store) == 0;
+    store_free(&store);
+    if (!laid)
+        return complain(APCFG_STORE, strerror(errno));
+    driver_state state = {};
+    state.loaded = scene->driver != DRIVER_UNLOADED;
+    if (scene->driver == DRIVER_UP)
+        driver_bring_up(&state, scene, APCFG_STORE);
+    return driver_state_write(&state) == 0 || complain(GATEWAY_DRIVER_STATE, strerror(errno));
+}
+
+static bool set_up_network(void) {
+    if (loopback_up() != 0 || internal_address_add() != 0)
+        return complain(GATEWAY_ADDRESS, strerror(errno));
+    return true;
+}
+
+static void set_environment(const options *given) {
+    const char *path = getenv("PATH");
+    char search[8192];
+    // The gateway's own tools come first, wherever the host keeps some of the same name.
+    snprintf(search, sizeof search, "/usr/sbin:/etc/ath:%s:/usr/bin:/bin:/sbin", path != nullptr ? path : "");
+    setenv("PATH", search, 1);
+    setenv("VLK_PRIVATE_NAMESPACE", "1", 1);
+    setenv("VLK_GATEWAY_DRIVER", given->driver, 1);
+    setenv("VLK_PORTMAP_PROGRAM", PORTMAPPER, 1);
+}
+
+static bool build_gateway(const options *given, const scenario *scene, const char *text, size_t length) {
+    kept_directories kept = {};
+    char build_tree[PATH_MAX];
+    set_beside(build_tree, given->home, "..");
+    keep_visible(&kept, build_tree);
+    const char *const programs[] = {given->server, given->client, given->rpcbind, given->rpcinfo, given->home};
+    for (const char *program : programs) {
+        char folder[PATH_MAX];
+        snprintf(folder, sizeof folder, "%s", program);
+        char *slash = strrchr(folder, '/');
+        if (slash != nullptr && slash != folder) {
+            *slash = '\0';
+            keep_visible(&kept, folder);
+        }
+    }
+    umask(022);
+    allow_giving_up_groups();
+    gateway_programs links = {given->client, given->rpcbind, given->rpcinfo, given->tools};
+    return enter_private_root(&kept, &links) && set_up_network() && copy_scenario(text, length) &&
+           lay_down_state(scene) && (given->bare || (start_portmapper() && start_server(given->server, given->driver)));
+}
+
+static const char GREETING[] =
+    "A simulated gateway: its own processes, network and /tmp; your files are here, read-only.\n"
+    "  vlk_rpc_wlan_config_client getSsid 1      ask the server        (list, help OPERATION)\n"
+    "  tail -f /run/gateway/journal              watch what it does    (server.log beside it)\n"
+    "  fault iwconfig slow 2                     make the platform fail (fault: list, fault off)\n"
+    "  exit                                      end it all\n";
+
+static const char SHELL_START[] = "PS1='gateway:\\w\\$ '\n";
+static const char PLAIN_SHELL_START[] = "PS1='gateway$ '\n";
+
+// Puts a process group in the foreground of the terminal, if there is one, from a process that may be in the
+// background.
+static void take_terminal(pid_t group) {
+    signal(SIGTTOU, SIG_IGN);
+    tcsetpgrp(STDIN_FILENO, group);
+    signal(SIGTTOU, SIG_DFL);
+}
+
+[[noreturn]] static void become_shell(void) {
+    static const char start[] = "/run/gateway/shellrc";
+    const char *shell = getenv("SHELL");
+    if (shell == nullptr || access(shell, X_OK) != 0)
+        shell = "/bin/sh";
+    const char *slash = strrchr(shell, '/');
+    bool bash = strcmp(slash != nullptr ? slash + 1 : shell, "bash") == 0;
+    const char *text = bash ? SHELL_START : PLAIN_SHELL_START;
+    write_file(start, text, strlen(text));
+    // A shell hands the terminal back to the group it started in, which must be one that it can see in its namespace.
+    setpgid(0, 0);
+    take_terminal(getpid());
+    fputs(GREETING, stdout);
+    fflush(stdout);
+    if (bash)
+        execl(shell, "bash", "--rcfile", start, "-i", (char *)nullptr);
+    setenv("ENV", start, 1);
+    execl(shell, shell, "-i", (char *)nullptr);
+    complain(shell, strerror(errno));
+    _exit(127);
+}
+
+[[noreturn]] static void become_command(const options *given) {
+    if (chdir(given->work) != 0 && chdir("/") != 0)
+        complain("/", strerror(errno));
+    if (strcmp(given->command[0], "shell") == 0)
+        become_shell();
+    if (strcmp(given->command[0], "tour") == 0) {
+        char script[PATH_MAX];
+        set_beside(script, given->home, "tour.sh");
+        execl("/bin/sh", "sh", script, (char *)nullptr);
+        complain(script, strerror(errno));
+    } else {
+        execvp(given->command[1], given->command + 1);
+        complain(given->command[1], strerror(errno));
+    }
+    _exit(127);
+}
+
+static int exit_status(int status) {
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+// Runs the command and collects it, and on the way everything that lost its parent.
+static int run_command(const options *given) {
+    pid_t command = fork();
+    if (command == 0)
+        become_command(given);
+    int status = 0;
+    while (command > 0) {
+        pid_t ended = wait(&status);
+        if (ended == command)
+            return exit_status(status);
+        if (ended < 0 && errno != EINTR)
+            break;
+    }
+    complain("fork", strerror(errno));
+    return STATUS_NO_GATEWAY;
+}
+
+// The gateway must not outlive the launcher. `alive` reads as hung up once the launcher is gone, for the moment between
+// the fork and the arming of the signal.
+static void tie_to_launcher(int alive) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    pollfd launcher = {alive, POLLIN, 0};
+    if (poll(&launcher, 1, 0) != 0)
+        _exit(STATUS_NO_GATEWAY);
+}
+
+// The outer process.
+
+static volatile pid_t inner_process;
+
+static void end_inner(int number) {
+    kill(inner_process, SIGKILL);
+    _exit(128 + number);
+}
+
+// Ctrl-C and Ctrl-\ are for the command, which has the terminal; an end of the launcher is the end of the gateway.
+static void watch_signals(void) {
+    struct sigaction action = {};
+    action.sa_handler = SIG_IGN;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGQUIT, &action, nullptr);
+    action.sa_handler = end_inner;
+    sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGHUP, &action, nullptr);
+}
+
+static int wait_for_inner(void) {
+    int status;
+    while (waitpid(inner_process, &status, 0) < 0) {
+        if (errno != EINTR)
+            return STATUS_NO_GATEWAY;
+    }
+    return exit_status(status);
+}
+
+static char *read_scenario_text(const char *path, size_t *length) {
+    FILE *file = fopen(path, "re");
+    char *text = nullptr;
+    if (file == nullptr) {
+        complain(path, strerror(errno));
+        return nullptr;
+    }
+    FILE *memory = open_memstream(&text, length);
+    for (int byte = getc(file); memory != nullptr && byte != EOF; byte = getc(file))
+        putc(byte, memory);
+    fclose(file);
+    if (memory != nullptr)
+        fclose(memory);
+    return text;
+}
+
+static int run_gateway(const options *given, const scenario *scene, const char *text, size_t length) {
+    int alive[2];
+    if (!enter_namespaces() || pipe2(alive, O_CLOEXEC) != 0)
+        return STATUS_NO_GATEWAY;
+    inner_process = fork();
+    if (inner_process < 0) {
+        refused("the first process of a pid namespace", "raise user.max_pid_namespaces with sysctl");
+        return STATUS_NO_GATEWAY;
+    }
+    if (inner_process == 0) {
+        close(alive[1]);
+        tie_to_launcher(alive[0]);
+        set_environment(given);
+        exit(build_gateway(given, scene, text, length) ? run_command(given) : STATUS_NO_GATEWAY);
+    }
+    close(alive[0]);
+    watch_signals();
+    int status = wait_for_inner();
+    if (strcmp(given->command[0], "shell") == 0)
+        take_terminal(getpgrp());
+    return status;
+}
+
+int main(int argument_count, char **arguments) {
+    static options given;
+    if (!set_defaults(&given) || !read_options(&given, argument_count, arguments) || !check_programs(&given))
+        return STATUS_NO_GATEWAY;
+    find_rpcinfo(&given);
+    size_t length = 0;
+    char *text = read_scenario_text(given.scenario, &length);
+    if (text == nullptr)
+        return STATUS_NO_GATEWAY;
+    char error[SCENARIO_ERROR_SIZE];
+    scenario *scene = scenario_parse(given.scenario, text, length, error, sizeof error);
+    if (scene == nullptr) {
+        fprintf(stderr, "%s\n", error);
+        return STATUS_NO_GATEWAY;
+    }
+    return run_gateway(&given, scene, text, length);
+}

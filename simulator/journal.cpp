@@ -1,0 +1,117 @@
+#include "simulator/journal.h"
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#include "simulator/paths.h"
+
+static void append_byte(FILE *line, unsigned char byte) {
+    switch (byte) {
+        case '\\':
+            fputs("\\\\", line);
+            return;
+        case '\n':
+            fputs("\\n", line);
+            return;
+        case '\r':
+            fputs("\\r", line);
+            return;
+        case '\t':
+            fputs("\\t", line);
+            return;
+        default:
+            if (byte < 0x20 || byte == 0x7F)
+                fprintf(line, "\\x%02x", byte);
+            else
+                fputc(byte, line);
+    }
+}
+
+static void append_text(FILE *line, const char *text) {
+    for (; *text != '\0'; text++)
+        append_byte(line, (unsigned char)*text);
+}
+
+static bool is_plain(const char *argument) {
+    static const char plain[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./:=,+@%-";
+    return *argument != '\0' && argument[strspn(argument, plain)] == '\0';
+}
+
+static void append_argument(FILE *line, const char *argument) {
+    fputc(' ', line);
+    if (is_plain(argument)) {
+        fputs(argument, line);
+        return;
+    }
+    fputc('"', line);
+    for (; *argument != '\0'; argument++) {
+        if (*argument == '"')
+            fputs("\\\"", line);
+        else
+            append_byte(line, (unsigned char)*argument);
+    }
+    fputc('"', line);
+}
+
+// One line under construction.
+struct journal_line {
+    FILE *stream;
+    char *text;
+    size_t length;
+};
+
+static bool begin_line(journal_line *line) {
+    line->text = nullptr;
+    line->length = 0;
+    line->stream = open_memstream(&line->text, &line->length);
+    return line->stream != nullptr;
+}
+
+static void end_line(journal_line *line) {
+    fputc('\n', line->stream);
+    if (fclose(line->stream) == 0) {
+        int journal = open(GATEWAY_JOURNAL, O_WRONLY | O_APPEND | O_CLOEXEC);
+        if (journal >= 0) {
+            // A full tmpfs loses the event; the caller's own work must not suffer from that.
+            [[maybe_unused]] ssize_t written = write(journal, line->text, line->length);
+            close(journal);
+        }
+    }
+    free(line->text);
+}
+
+void journal_shell(const char *door, const char *command) {
+    journal_line line;
+    if (!begin_line(&line))
+        return;
+    fprintf(line.stream, "%s ", door);
+    append_text(line.stream, command);
+    end_line(&line);
+}
+
+void journal_run(const char *tool, int argument_count, char *const *arguments) {
+    journal_line line;
+    if (!begin_line(&line))
+        return;
+    fprintf(line.stream, "run %s", tool);
+    for (int i = 0; i < argument_count; i++)
+        append_argument(line.stream, arguments[i]);
+    end_line(&line);
+}
+
+void journal_ioctl(const char *interface, unsigned long request, unsigned length, int result, int error) {
+    journal_line line;
+    if (!begin_line(&line))
+        return;
+    fputs("ioctl ", line.stream);
+    append_text(line.stream, interface);
+    fprintf(line.stream, " 0x%lx %u = %d", request, length, result);
+    if (error != 0) {
+        const char *name = strerrorname_np(error);
+        fprintf(line.stream, " %s", name != nullptr ? name : "unknown");
+    }
+    end_line(&line);
+}

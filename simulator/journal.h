@@ -1,0 +1,21 @@
+// The journal: what was done to the gateway, one line an event, in the order in which it was begun.
+//
+// Touches /run/gateway/journal. Each event is one write under O_APPEND, so lines of different processes and threads
+// never mix. Where there is no journal (outside the gateway) events are dropped without a word. Any thread may call;
+// texts of any length are put together on the heap because the server's workers have small stacks.
+//
+// In every line a backslash is written "\\" and a control byte "\n", "\r", "\t" or "\xNN", so a line is one event and
+// its text can be got back exactly.
+#pragma once
+
+#include <stddef.h>
+
+// "popen TEXT" and "system TEXT": a shell command as it was handed over.
+void journal_shell(const char *door, const char *command);
+
+// "run TOOL ARG...": a tool was started. An argument that is not made of plain characters only stands in double
+// quotes, with \" for a quote inside.
+void journal_run(const char *tool, int argument_count, char *const *arguments);
+
+// "ioctl athN 0x8be7 5104 = 0", or "= -1 ENODEV" when error is not 0.
+void journal_ioctl(const char *interface, unsigned long request, unsigned length, int result, int error);

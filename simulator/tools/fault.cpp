@@ -1,0 +1,134 @@
+// fault: switches the platform's faults on and off.
+#include <ctype.h>
+#include <dirent.h>
+#include <errno.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "simulator/faults.h"
+#include "simulator/internal_address.h"
+#include "simulator/paths.h"
+#include "simulator/tools/tools.h"
+
+// The longest that a tool may be told to wait, in seconds: a day.
+constexpr double LONGEST_SLOWNESS = 86400;
+
+// What a fault of this name may be set to.
+enum fault_kind { FAULT_UNKNOWN, FAULT_TOOL, FAULT_ERRNO, FAULT_ADDRESS };
+
+// The kind of a fault; an ioctl's name is rewritten in its one spelling.
+static fault_kind kind_of(char *name, size_t size) {
+    if (strcmp(name, "popen") == 0 || strcmp(name, "system") == 0)
+        return FAULT_ERRNO;
+    if (strcmp(name, "address") == 0)
+        return FAULT_ADDRESS;
+    if (strncmp(name, "ioctl:", 6) == 0 && isdigit((unsigned char)name[6])) {
+        char *end;
+        errno = 0;
+        unsigned long request = strtoul(name + 6, &end, 0);
+        if (errno != 0 || *end != '\0' || request > 0xFFFFFFFF)
+            return FAULT_UNKNOWN;
+        ioctl_fault_name(request, name, size);
+        return FAULT_ERRNO;
+    }
+    // This tool itself always works, or a fault could not be taken back.
+    return find_tool(name) != nullptr && strcmp(name, "fault") != 0 ? FAULT_TOOL : FAULT_UNKNOWN;
+}
+
+static bool is_slowness(const char *value) {
+    if (strncmp(value, "slow ", 5) != 0 || !isdigit((unsigned char)value[5]))
+        return false;
+    char *end;
+    double seconds = strtod(value + 5, &end);
+    return *end == '\0' && seconds <= LONGEST_SLOWNESS;
+}
+
+static bool is_tool_fault(const char *value) {
+    return strcmp(value, "silent") == 0 || strcmp(value, "fail") == 0 || strcmp(value, "garbage") == 0 ||
+           strcmp(value, "missing") == 0 || is_slowness(value);
+}
+
+static int complain(const char *what) {
+    fprintf(stderr, "fault: %s: %s\n", what, strerror(errno));
+    return 1;
+}
+
+// The internal address is a piece of the kernel's state, not a switch that somebody asks for: it goes at once, and
+// comes back with "off" or with the next apup.
+static int change_address(const char *value) {
+    bool off = strcmp(value, "off") == 0;
+    if (!off && strcmp(value, "missing") != 0) {
+        fprintf(stderr, "fault: the address is \"missing\" or \"off\"\n");
+        return 1;
+    }
+    return (off ? internal_address_add() : internal_address_remove()) == 0 ? 0 : complain("address");
+}
+
+static int change(const char *given, const char *value) {
+    char name[FAULT_NAME_SIZE];
+    snprintf(name, sizeof name, "%s", given);
+    fault_kind kind = strlen(given) < sizeof name ? kind_of(name, sizeof name) : FAULT_UNKNOWN;
+    if (kind == FAULT_UNKNOWN) {
+        fprintf(stderr, "fault: there is no fault \"%s\"\n", given);
+        return 1;
+    }
+    if (kind == FAULT_ADDRESS)
+        return change_address(value);
+    if (strcmp(value, "off") == 0)
+        return fault_clear(name) == 0 ? 0 : complain(name);
+    bool good =
+        strlen(value) < FAULT_VALUE_SIZE && (kind == FAULT_TOOL ? is_tool_fault(value) : errno_by_name(value) != 0);
+    if (!good) {
+        fprintf(stderr, "fault: \"%s\" is no value for %s\n", value, name);
+        return 1;
+    }
+    return fault_set(name, value) == 0 ? 0 : complain(name);
+}
+
+// Calls `visit` for each fault that is on.
+static int each_fault(int (*visit)(const char *name)) {
+    DIR *directory = opendir(GATEWAY_FAULTS);
+    if (directory == nullptr)
+        return complain(GATEWAY_FAULTS);
+    int failed = 0;
+    while (const dirent *entry = readdir(directory)) {
+        if (entry->d_name[0] != '.')
+            failed |= visit(entry->d_name);
+    }
+    closedir(directory);
+    return failed == 0 ? 0 : 1;
+}
+
+static int print_fault(const char *name) {
+    char value[FAULT_VALUE_SIZE];
+    if (fault_get(name, value, sizeof value))
+        printf("%s %s\n", name, value);
+    return 0;
+}
+
+// "slow 2" may come as two words.
+static const char *join(int argument_count, char *const *arguments, char *value, size_t size) {
+    value[0] = '\0';
+    for (int i = 0; i < argument_count; i++) {
+        size_t have = strlen(value);
+        snprintf(value + have, size - have, "%s%s", i > 0 ? " " : "", arguments[i]);
+    }
+    return value;
+}
+
+int tool_fault(int argument_count, char *const *arguments) {
+    if (argument_count == 0)
+        return each_fault(print_fault);
+    if (argument_count == 1 && strcmp(arguments[0], "off") == 0)
+        return each_fault(fault_clear);
+    if (argument_count > 3)
+        return tool_usage("fault");
+    // Room for one character more than a value may have, so that a cut value is seen as too long.
+    char value[FAULT_VALUE_SIZE + 1];
+    if (argument_count > 1)
+        return change(arguments[0], join(argument_count - 1, arguments + 1, value, sizeof value));
+    // The shortest way to say "this one does not work".
+    bool tool_named = find_tool(arguments[0]) != nullptr;
+    return change(arguments[0], tool_named ? "fail" : strcmp(arguments[0], "address") == 0 ? "missing" : "EIO");
+}

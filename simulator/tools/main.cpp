@@ -1,0 +1,94 @@
+// Chooses the tool by name, writes the call to the journal, and lets a fault take the tool's place.
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <time.h>
+#include <unistd.h>
+
+#include "simulator/faults.h"
+#include "simulator/journal.h"
+#include "simulator/paths.h"
+#include "simulator/tools/tools.h"
+
+// What a shell says and returns for a command that it does not find.
+constexpr int STATUS_NOT_FOUND = 127;
+
+static const tool tools[] = {
+#define TOOL(name, function, path, usage) {name, function, path, usage},
+#include "simulator/tools/list.def"
+#undef TOOL
+};
+
+const tool *tool_at(size_t number) {
+    return number < sizeof tools / sizeof tools[0] ? &tools[number] : nullptr;
+}
+
+const tool *find_tool(const char *name) {
+    for (const tool &candidate : tools) {
+        if (strcmp(candidate.name, name) == 0)
+            return &candidate;
+    }
+    return nullptr;
+}
+
+int tool_usage(const char *name) {
+    fprintf(stderr, "usage: %s %s\n", name, find_tool(name)->usage);
+    return 1;
+}
+
+static void sleep_seconds(double seconds) {
+    timespec left = {};
+    left.tv_sec = (time_t)seconds;
+    left.tv_nsec = (long)((seconds - (double)left.tv_sec) * 1e9);
+    while (nanosleep(&left, &left) != 0) {
+    }
+}
+
+// A line that no reader of a tool's output expects: odd bytes, no marker, no end of line.
+static void print_garbage(void) {
+    static const char pattern[] = "\x01\xff%s%n:::\t==\x7f HT\x80 -- 99999999999999999999 ";
+    for (int i = 0; i < 40; i++)
+        fwrite(pattern, 1, sizeof pattern - 1, stdout);
+}
+
+// Obeys the fault of a tool. True when it took the tool's place; *status is then the exit status.
+static bool obey_fault(const tool *called, int *status) {
+    char value[FAULT_VALUE_SIZE];
+    if (!fault_get(called->name, value, sizeof value))
+        return false;
+    if (strncmp(value, "slow ", 5) == 0) {
+        sleep_seconds(atof(value + 5));
+        return false;
+    }
+    *status = 0;
+    if (strcmp(value, "fail") == 0) {
+        fprintf(stderr, "%s: failed\n", called->name);
+        *status = 1;
+    } else if (strcmp(value, "missing") == 0) {
+        fprintf(stderr, "%s: not found\n", called->name);
+        *status = STATUS_NOT_FOUND;
+    } else if (strcmp(value, "garbage") == 0) {
+        print_garbage();
+    }
+    return true;
+}
+
+int main(int argument_count, char **arguments) {
+    const char *name = argument_count > 0 ? arguments[0] : "";
+    const char *slash = strrchr(name, '/');
+    const tool *called = find_tool(slash != nullptr ? slash + 1 : name);
+    if (called == nullptr) {
+        fprintf(stderr, "%s is no tool of the simulated gateway\n", name);
+        return STATUS_NOT_FOUND;
+    }
+    if (access(GATEWAY_JOURNAL, F_OK) != 0) {
+        // Outside, /tmp and the processes would be the host's own.
+        fprintf(stderr, "%s runs only inside the simulated gateway\n", called->name);
+        return 1;
+    }
+    journal_run(called->name, argument_count - 1, arguments + 1);
+    int status;
+    if (!obey_fault(called, &status))
+        status = called->run(argument_count - 1, arguments + 1);
+    return status;
+}

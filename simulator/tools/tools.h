@@ -1,0 +1,25 @@
+// The gateway's programs: one binary, a function a tool, chosen by the name it is called by.
+//
+// Each is a process of its own with a single thread. Before the function runs, main() has written the call to the
+// journal and obeyed a fault that was switched on for it.
+#pragma once
+
+#include <stddef.h>
+
+struct tool {
+    const char *name;
+    int (*run)(int argument_count, char *const *arguments);
+    const char *path;
+    const char *usage;
+};
+
+// The row of a tool, null when there is none of this name. Rows in order: tool_at(0), tool_at(1), ... until null.
+const tool *find_tool(const char *name);
+const tool *tool_at(size_t number);
+
+// Writes "usage: NAME ..." to standard error and returns 1, so that a tool can end with it.
+int tool_usage(const char *name);
+
+#define TOOL(name, function, path, usage) int function(int argument_count, char *const *arguments);
+#include "simulator/tools/list.def"
+#undef TOOL

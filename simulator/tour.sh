@@ -1,0 +1,71 @@
+#!/bin/sh
+# The tour of the simulated gateway: a dozen calls of the client, each with what it made the gateway do.
+#
+# Runs inside the gateway (vlk_simulated_gateway tour). Below each call stand, indented, the journal lines that it
+# caused. Ends with one summary line; status 1 when a call did not end as it should.
+client=vlk_rpc_wlan_config_client
+journal=/run/gateway/journal
+calls=0
+surprises=0
+
+# Prints a command line so that it could be typed again.
+show() {
+    line='$'
+    for word in "$@"; do
+        case $word in
+        *[!A-Za-z0-9_./:=-]* | '') line="$line \"$word\"" ;;
+        *) line="$line $word" ;;
+        esac
+    done
+    printf '%s\n' "$line"
+}
+
+# step STATUS COMMAND...: runs a command that should end with this exit status.
+step() {
+    expected=$1
+    shift
+    before=$(wc -l <"$journal")
+    show "$@"
+    "$@" 2>&1
+    status=$?
+    calls=$((calls + 1))
+    if [ "$status" -ne "$expected" ]; then
+        surprises=$((surprises + 1))
+        echo "!! exit status $status instead of $expected"
+    fi
+    tail -n "+$((before + 1))" "$journal" | sed 's/^/      /'
+    echo
+}
+
+call() {
+    step 0 "$client" "$@"
+}
+
+echo "A gateway with a store of $(grep -c = /tmp/.apcfg) settings. Indented: what each call made it do."
+echo
+command -v rpcinfo >/dev/null && step 0 rpcinfo -p
+
+call getNumberOfEntries
+call getSsid 1
+call getStatus 1
+call getBssid 1
+call setSsid 3 "Guest network"
+call getSsid 3
+call setEnable 3 1
+call getChannel 1
+call setChannel 1 11
+call getChannel 1
+call getStandard 9
+call setStandard 9 ac
+call getStandard 9
+call getBeaconType 1
+# VAP 9 is on the 5 GHz radio, which has no channel 6: the server refuses and says so.
+step 1 "$client" setChannel 9 6
+
+if [ "$surprises" -eq 0 ]; then
+    echo "The tour is over: $calls commands, all as expected."
+    exit 0
+fi
+echo "The tour is over: $calls commands, $surprises not as expected."
+[ -s /run/gateway/server.log ] && tail -n 20 /run/gateway/server.log
+exit 1

@@ -1,0 +1,3 @@
+#include "survey/collector.h"
+
+uint8_t buf_reply[2 * COLLECTOR_ANSWER_SIZE];

@@ -1,0 +1,91 @@
+#include "tests/simulator/support.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "simulator/paths.h"
+
+[[noreturn]] static void become(const std::vector<std::string> &words, int output, int errors) {
+    dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+    dup2(output, STDOUT_FILENO);
+    dup2(errors, STDERR_FILENO);
+    std::vector<char *> arguments;
+    for (const std::string &word : words)
+        arguments.push_back(const_cast<char *>(word.c_str()));
+    arguments.push_back(nullptr);
+    execvp(arguments[0], arguments.data());
+    _exit(127);
+}
+
+// Reads both pipes until both are closed.
+static void read_pipes(int output, int errors, outcome *result) {
+    pollfd pipes[] = {{output, POLLIN, 0}, {errors, POLLIN, 0}};
+    std::string *texts[] = {&result->output, &result->errors};
+    for (int open_pipes = 2; open_pipes > 0;) {
+        poll(pipes, 2, -1);
+        for (int i = 0; i < 2; i++) {
+            char buffer[4096];
+            if (pipes[i].revents == 0)
+                continue;
+            ssize_t length = read(pipes[i].fd, buffer, sizeof buffer);
+            if (length > 0) {
+                texts[i]->append(buffer, static_cast<size_t>(length));
+            } else {
+                pipes[i].fd = -1;
+                open_pipes--;
+            }
+        }
+    }
+}
+
+outcome run(const std::vector<std::string> &words) {
+    outcome result = {-1, "", ""};
+    int output[2], errors[2];
+    if (pipe2(output, O_CLOEXEC) != 0 || pipe2(errors, O_CLOEXEC) != 0)
+        return result;
+    pid_t child = fork();
+    if (child == 0)
+        become(words, output[1], errors[1]);
+    close(output[1]);
+    close(errors[1]);
+    read_pipes(output[0], errors[0], &result);
+    close(output[0]);
+    close(errors[0]);
+    int status = 0;
+    if (waitpid(child, &status, 0) == child)
+        result.status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+    return result;
+}
+
+outcome run_shell(const std::string &command) {
+    return run({"/bin/sh", "-c", command});
+}
+
+std::string read_file(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    std::stringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+void write_file(const std::string &path, const std::string &text) {
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file << text;
+}
+
+size_t journal_mark() {
+    return read_file(GATEWAY_JOURNAL).size();
+}
+
+std::vector<std::string> journal_since(size_t mark) {
+    std::istringstream text(read_file(GATEWAY_JOURNAL).substr(mark));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);)
+        lines.push_back(line);
+    return lines;
+}

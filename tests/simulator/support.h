@@ -1,0 +1,24 @@
+// What the simulator's tests share: running a command, reading the journal.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct outcome {
+    int status;  // exit status, 128 + number after a signal
+    std::string output;
+    std::string errors;
+};
+
+// Runs a program with its arguments, standard input empty.
+outcome run(const std::vector<std::string> &words);
+
+// Runs a shell command.
+outcome run_shell(const std::string &command);
+
+std::string read_file(const std::string &path);
+void write_file(const std::string &path, const std::string &text);
+
+// The journal's lines from the mark on; journal_mark is where it ends now.
+size_t journal_mark();
+std::vector<std::string> journal_since(size_t mark);

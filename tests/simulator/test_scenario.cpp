@@ -1,0 +1,322 @@
+// The scenario's parser: what it takes, and how it refuses the rest.
+#include <gtest/gtest.h>
+#include <string.h>
+
+#include <string>
+
+#include "simulator/initial_store.h"
+#include "simulator/scenario.h"
+
+namespace {
+
+struct parsed {
+    scenario *scene;
+    std::string error;
+    explicit parsed(const std::string &text) {
+        char message[SCENARIO_ERROR_SIZE] = "";
+        scene = scenario_parse("test.scn", text.data(), text.size(), message, sizeof message);
+        error = message;
+    }
+    parsed(const parsed &) = delete;
+    ~parsed() {
+        scenario_free(scene);
+    }
+};
+
+const std::string RADIO = "radio 0 band=2.4 mac=00:03:7F:10:00:00\n";
+const std::string VAP = RADIO + "vap 1 radio=0 bssid=00:03:7F:10:00:01 ssid=\"Home network\" enable=1\n";
+
+// The first complaint about a scenario that must be refused.
+std::string refusal(const std::string &text) {
+    parsed scenario_text(text);
+    EXPECT_EQ(scenario_text.scene, nullptr) << "taken: " << text;
+    return scenario_text.error;
+}
+
+TEST(Scenario, TheHomeScenarioHasTwoRadiosOfEightVapsWithTheFirstOfEachEnabled) {
+    char error[SCENARIO_ERROR_SIZE] = "";
+    scenario *scene = scenario_new(HOME_SCENARIO, error, sizeof error);
+    ASSERT_NE(scene, nullptr) << error;
+    EXPECT_FALSE(scene->radios[0].five_ghz);
+    EXPECT_TRUE(scene->radios[1].five_ghz);
+    for (int i = 0; i < SCENARIO_VAPS; i++) {
+        EXPECT_TRUE(scene->vaps[i].declared) << i;
+        EXPECT_EQ(scene->vaps[i].radio, i / VAPS_PER_RADIO) << i;
+        EXPECT_EQ(scene->vaps[i].enabled, i == 0 || i == 8) << i;
+    }
+    EXPECT_STREQ(scene->vaps[0].ssid, "Home network");
+    EXPECT_STREQ(scene->vaps[0].bssid, "00:03:7F:10:00:01");
+    EXPECT_EQ(scene->station_count, 5);
+    EXPECT_EQ(scene->neighbour_count, 6);
+    scenario_free(scene);
+}
+
+TEST(Scenario, AFileThatIsNotThereIsRefusedWithItsName) {
+    char error[SCENARIO_ERROR_SIZE] = "";
+    EXPECT_EQ(scenario_new("/nowhere.scn", error, sizeof error), nullptr);
+    EXPECT_STREQ(error, "/nowhere.scn: No such file or directory");
+}
+
+TEST(Scenario, AnEmptyTextCommentsAndBlankLinesAreAScenarioWithNothingInIt) {
+    parsed nothing("");
+    ASSERT_NE(nothing.scene, nullptr) << nothing.error;
+    parsed comments("# one\n\n   # two\n\t\n");
+    ASSERT_NE(comments.scene, nullptr) << comments.error;
+    EXPECT_FALSE(comments.scene->radios[0].declared);
+}
+
+TEST(Scenario, ALastLineWithoutLineEndCounts) {
+    parsed one("driver loaded");
+    ASSERT_NE(one.scene, nullptr) << one.error;
+    EXPECT_EQ(one.scene->driver, DRIVER_LOADED);
+}
+
+TEST(Scenario, TextInQuotesKeepsItsBlanks) {
+    parsed one(VAP);
+    ASSERT_NE(one.scene, nullptr) << one.error;
+    EXPECT_STREQ(one.scene->vaps[0].ssid, "Home network");
+}
+
+TEST(Scenario, ASettingsValueIsTheRestOfTheLineAsItStands) {
+    parsed one("set PSK_KEY  two  blanks \"and quotes\" # no comment \nset EMPTY\n");
+    ASSERT_NE(one.scene, nullptr) << one.error;
+    ASSERT_EQ(one.scene->setting_count, 2);
+    EXPECT_STREQ(one.scene->settings[0].key, "PSK_KEY");
+    EXPECT_STREQ(one.scene->settings[0].value, " two  blanks \"and quotes\" # no comment ");
+    EXPECT_STREQ(one.scene->settings[1].key, "EMPTY");
+    EXPECT_STREQ(one.scene->settings[1].value, "");
+}
+
+TEST(Scenario, CountersTakeAStartAndASpeed) {
+    parsed one(VAP + "counters 1 rx_packets=5+12 tx_packets=7 rx_bytes=18446744073709551615 tx_bytes=0+1\n");
+    ASSERT_NE(one.scene, nullptr) << one.error;
+    const scenario_vap *vap = &one.scene->vaps[0];
+    EXPECT_EQ(vap->rx_packets.start, 5u);
+    EXPECT_EQ(vap->rx_packets.per_second, 12u);
+    EXPECT_EQ(vap->tx_packets.start, 7u);
+    EXPECT_EQ(vap->tx_packets.per_second, 0u);
+    EXPECT_EQ(vap->rx_bytes.start, 18446744073709551615u);
+    EXPECT_EQ(vap->tx_bytes.per_second, 1u);
+}
+
+TEST(Scenario, StationsAndNeighboursKeepTheirOrderAndFields) {
+    parsed one(VAP +
+               "station 1 mac=28:6A:BA:4C:10:01 ip=192.168.0.20 rssi=-3 tx_rate=130 rx_rate=117\n"
+               "neighbour bssid=9C:3D:CF:01:02:03 ssid=\"\" channel=6 rssi=-71 auth=WPA2 mode=11ng\n");
+    ASSERT_NE(one.scene, nullptr) << one.error;
+    EXPECT_EQ(one.scene->stations[0].vap, 1);
+    EXPECT_STREQ(one.scene->stations[0].ip, "192.168.0.20");
+    EXPECT_EQ(one.scene->stations[0].rssi, -3);
+    EXPECT_EQ(one.scene->stations[0].rx_rate, 117);
+    EXPECT_STREQ(one.scene->neighbours[0].ssid, "");
+    EXPECT_EQ(one.scene->neighbours[0].channel, 6u);
+    EXPECT_EQ(one.scene->neighbours[0].rssi, -71);
+    EXPECT_STREQ(one.scene->neighbours[0].mode, "11ng");
+}
+
+TEST(Scenario, ScriptTimesAreSecondsWithFractions) {
+    parsed one("script apup seconds=1.25\n");
+    ASSERT_NE(one.scene, nullptr) << one.error;
+    EXPECT_EQ(one.scene->scripts[0].seconds, 1.25);
+}
+
+TEST(Scenario, AMistakeIsReportedWithFileAndLine) {
+    EXPECT_EQ(refusal("# first\nnonsense 1\n"), "test.scn:2: \"nonsense\" is no item of a scenario");
+}
+
+TEST(Scenario, AMissingFieldIsRefused) {
+    EXPECT_EQ(refusal("radio 0 band=5\n"), "test.scn:1: radio needs mac=");
+}
+
+TEST(Scenario, AnUnknownFieldIsRefused) {
+    EXPECT_EQ(refusal("radio 0 band=5 colour=red\n"), "test.scn:1: radio has no \"colour\"");
+}
+
+TEST(Scenario, AFieldThatStandsTwiceIsRefused) {
+    EXPECT_EQ(refusal("radio 0 band=5 band=5\n"), "test.scn:1: band stands twice");
+}
+
+TEST(Scenario, AWordThatIsNoFieldIsRefused) {
+    EXPECT_EQ(refusal("radio 0 band\n"), "test.scn:1: \"band\" is no name=value");
+}
+
+TEST(Scenario, ABadValueIsRefused) {
+    EXPECT_EQ(refusal("radio 0 mac=00:03:7F:10:00\n"), "test.scn:1: \"00:03:7F:10:00\" is no good value for mac");
+    EXPECT_EQ(refusal("radio 0 mac=00-03-7F-10-00-00\n"), "test.scn:1: \"00-03-7F-10-00-00\" is no good value for mac");
+    EXPECT_EQ(refusal(RADIO + "channel 0 6 frequency=24370 flags=0\n"),
+              "test.scn:2: \"24370\" is no good value for frequency");
+    EXPECT_EQ(refusal(RADIO + "channel 0 6 frequency=2437 flags=-1\n"),
+              "test.scn:2: \"-1\" is no good value for flags");
+    EXPECT_EQ(refusal(RADIO + "vap 1 enable=yes\n"), "test.scn:2: \"yes\" is no good value for enable");
+    EXPECT_EQ(refusal(VAP + "station 1 ip=1.2.3\n"), "test.scn:3: \"1.2.3\" is no good value for ip");
+    EXPECT_EQ(refusal(VAP + "counters 1 rx_packets=+3\n"), "test.scn:3: \"+3\" is no good value for rx_packets");
+}
+
+TEST(Scenario, AnSsidOfMoreThan32CharactersIsRefused) {
+    EXPECT_EQ(refusal(RADIO + "vap 1 ssid=" + std::string(33, 'x') + "\n"),
+              "test.scn:2: \"" + std::string(33, 'x') + "\" is no good value for ssid");
+    parsed longest(RADIO + "vap 1 radio=0 bssid=00:03:7F:10:00:01 ssid=" + std::string(32, 'x') + "\n");
+    EXPECT_NE(longest.scene, nullptr) << longest.error;
+}
+
+TEST(Scenario, ABandThatDoesNotExistIsRefused) {
+    EXPECT_EQ(refusal("radio 0 band=6 mac=00:03:7F:10:00:00\n"), "test.scn:1: band is 2.4 or 5, not \"6\"");
+}
+
+TEST(Scenario, NumbersOutsideTheirRangeAreRefused) {
+    EXPECT_EQ(refusal("radio 2 band=5\n"), "test.scn:1: \"2\" is no radio from 0 to 1");
+    EXPECT_EQ(refusal(RADIO + "vap 17\n"), "test.scn:2: \"17\" is no VAP from 1 to 16");
+    EXPECT_EQ(refusal(RADIO + "channel 0 256\n"), "test.scn:2: \"256\" is no channel from 1 to 255");
+    EXPECT_EQ(refusal("vap\n"), "test.scn:1: vap needs a VAP");
+}
+
+TEST(Scenario, WhatIsDeclaredTwiceIsRefused) {
+    EXPECT_EQ(refusal(RADIO + RADIO), "test.scn:2: radio 0 is declared twice");
+    EXPECT_EQ(refusal(VAP + "vap 1\n"), "test.scn:3: VAP 1 is declared twice");
+    EXPECT_EQ(refusal(RADIO + "channel 0 6 frequency=2437 flags=0\nchannel 0 6\n"),
+              "test.scn:3: channel 6 of radio 0 stands twice");
+    EXPECT_EQ(refusal("script apup seconds=1\nscript apup seconds=1\n"), "test.scn:2: script apup stands twice");
+}
+
+TEST(Scenario, WhatRefersToSomethingUndeclaredIsRefused) {
+    EXPECT_EQ(refusal("channel 1 36 frequency=5180 flags=0\n"), "test.scn:1: radio 1 is not declared yet");
+    EXPECT_EQ(refusal("station 3\n"), "test.scn:1: VAP 3 is not declared yet");
+    EXPECT_EQ(refusal("counters 3\n"), "test.scn:1: VAP 3 is not declared yet");
+}
+
+TEST(Scenario, AVapWithoutItsRadioIsReportedAtTheVapsLine) {
+    EXPECT_EQ(refusal("\nvap 9 radio=1 bssid=00:03:7F:10:00:05\n# end\n"),
+              "test.scn:2: radio 1 of VAP 9 is not declared");
+}
+
+TEST(Scenario, AQuoteThatIsNotClosedIsRefused) {
+    EXPECT_EQ(refusal(RADIO + "vap 1 ssid=\"Home\n"), "test.scn:2: a quote is not closed");
+}
+
+TEST(Scenario, ALineWithTooManyWordsIsRefused) {
+    EXPECT_EQ(refusal("driver a b c d e f g h i j k l m n o p\n"), "test.scn:1: too many words");
+}
+
+TEST(Scenario, AnOverlongLineIsRefused) {
+    EXPECT_EQ(refusal("# " + std::string(1023, 'x') + "\n"), "test.scn:1: a line has at most 1024 characters");
+    parsed longest("# " + std::string(1022, 'x') + "\n");
+    EXPECT_NE(longest.scene, nullptr) << longest.error;
+}
+
+TEST(Scenario, AZeroByteIsRefused) {
+    EXPECT_EQ(refusal(std::string("driver up\ndri\0ver\n", 18)), "test.scn:2: a zero byte");
+}
+
+TEST(Scenario, ASettingWithoutAKeyOrWithAnEqualsSignIsRefused) {
+    EXPECT_EQ(refusal("set\n"), "test.scn:1: set needs a key without \"=\" and a value");
+    EXPECT_EQ(refusal("set A=B\n"), "test.scn:1: set needs a key without \"=\" and a value");
+}
+
+TEST(Scenario, AnOverlongKeyOrValueIsRefused) {
+    EXPECT_EQ(refusal("set " + std::string(64, 'K') + " v\n"), "test.scn:1: a key has at most 63 characters");
+    EXPECT_EQ(refusal("set K " + std::string(256, 'v') + "\n"), "test.scn:1: a value has at most 255 characters");
+}
+
+TEST(Scenario, AScriptThatTheDriverDoesNotHaveIsRefused) {
+    EXPECT_EQ(refusal("script reboot seconds=1\n"),
+              "test.scn:1: script is apup, apup_simple or fast_down.sh, not \"reboot\"");
+    EXPECT_EQ(refusal("script apup seconds=soon\n"), "test.scn:1: script needs seconds= with 0 to 86400");
+}
+
+TEST(Scenario, ADriverStateThatDoesNotExistIsRefused) {
+    EXPECT_EQ(refusal("driver broken\n"), "test.scn:1: driver is unloaded, loaded or up");
+}
+
+TEST(Scenario, MoreChannelsThanTheDriversTableHoldsCannotBeDeclared) {
+    // Channel numbers end where the table does, so the table is full when all are used.
+    std::string text = RADIO;
+    for (int i = 1; i <= SCENARIO_CHANNELS; i++)
+        text += "channel 0 " + std::to_string(i) + " frequency=2412 flags=0\n";
+    parsed full(text);
+    ASSERT_NE(full.scene, nullptr) << full.error;
+    EXPECT_EQ(full.scene->radios[0].channel_count, SCENARIO_CHANNELS);
+}
+
+TEST(Scenario, MoreStationsNeighboursOrSettingsThanThereIsRoomForAreRefused) {
+    std::string stations = VAP, neighbours, settings;
+    for (int i = 0; i <= SCENARIO_STATIONS; i++)
+        stations += "station 1 mac=28:6A:BA:4C:10:01 ip=192.168.0.20 rssi=1 tx_rate=1 rx_rate=1\n";
+    for (int i = 0; i <= SCENARIO_NEIGHBOURS; i++)
+        neighbours += "neighbour bssid=9C:3D:CF:01:02:03 ssid=a channel=6 rssi=-71 auth=WPA2 mode=11ng\n";
+    for (int i = 0; i <= SCENARIO_SETTINGS; i++)
+        settings += "set KEY value\n";
+    EXPECT_EQ(refusal(stations), "test.scn:2035: more than 2032 stations");
+    EXPECT_EQ(refusal(neighbours), "test.scn:513: more than 512 neighbours");
+    EXPECT_EQ(refusal(settings), "test.scn:1025: more than 1024 settings");
+}
+
+TEST(Scenario, TheQuietestChannelIsTheFirstOfThoseWithTheFewestNeighbours) {
+    std::string text = RADIO;
+    for (const char *channel : {"1", "6", "11"})
+        text += std::string("channel 0 ") + channel + " frequency=2412 flags=0\n";
+    parsed quiet(text);
+    EXPECT_EQ(scenario_quietest_channel(quiet.scene, 0), 1u);
+    parsed busy(text + "neighbour bssid=9C:3D:CF:01:02:03 ssid=a channel=1 rssi=-71 auth=WPA2 mode=11ng\n");
+    EXPECT_EQ(scenario_quietest_channel(busy.scene, 0), 6u);
+    EXPECT_EQ(scenario_quietest_channel(busy.scene, 1), 0u);
+}
+
+TEST(Scenario, InterfaceNamesAreTakenOnlyInTheirOneSpelling) {
+    EXPECT_EQ(vap_of_interface("ath0"), 0);
+    EXPECT_EQ(vap_of_interface("ath15"), 15);
+    EXPECT_EQ(radio_of_device("wifi1"), 1);
+    for (const char *name : {"ath", "ath16", "ath01", "ath-1", "ath1x", "ath100", "eth0", "wifi0", ""})
+        EXPECT_EQ(vap_of_interface(name), -1) << name;
+    for (const char *name : {"wifi", "wifi2", "wifi00", "ath0"})
+        EXPECT_EQ(radio_of_device(name), -1) << name;
+}
+
+// The value of a key in a store, "(absent)" when it has no such line.
+std::string value_in(const store_text &store, const char *key) {
+    size_t length = 0;
+    const char *value = store_find(&store, key, &length);
+    return value != nullptr ? std::string(value, length) : "(absent)";
+}
+
+TEST(InitialStore, RadioOneHasTheBareKeysAndRadioZeroTheSuffix2) {
+    parsed both(
+        "radio 0 band=2.4 mac=00:03:7F:10:00:00 txpower=17\n"
+        "radio 1 band=5 mac=00:03:7F:10:00:04 txpower=23\n");
+    ASSERT_NE(both.scene, nullptr) << both.error;
+    store_text store;
+    ASSERT_EQ(initial_store(both.scene, &store), 0);
+    EXPECT_EQ(value_in(store, "AP_PRIMARY_CH"), "36");
+    EXPECT_EQ(value_in(store, "AP_PRIMARY_CH_2"), "6");
+    EXPECT_EQ(value_in(store, "AP_CHMODE"), "11ACVHT80");
+    EXPECT_EQ(value_in(store, "AP_CHMODE_2"), "11NGHT20");
+    EXPECT_EQ(value_in(store, "AP_TXPWR"), "23");
+    EXPECT_EQ(value_in(store, "AP_TXPWR_2"), "17");
+    store_free(&store);
+}
+
+TEST(InitialStore, AVapsKeysCarryItsNumberAndOneWithoutSsidHasNoSsidLine) {
+    parsed two(VAP + "vap 2 radio=0 bssid=02:03:7F:10:00:01\n");
+    ASSERT_NE(two.scene, nullptr) << two.error;
+    store_text store;
+    ASSERT_EQ(initial_store(two.scene, &store), 0);
+    EXPECT_EQ(value_in(store, "AP_SSID"), "Home network");
+    EXPECT_EQ(value_in(store, "AP_ENABLE"), "1");
+    EXPECT_EQ(value_in(store, "AP_SSID_2"), "(absent)");
+    EXPECT_EQ(value_in(store, "AP_ENABLE_2"), "0");
+    EXPECT_EQ(value_in(store, "AP_BSSID_2"), "02:03:7F:10:00:01");
+    EXPECT_EQ(value_in(store, "AP_RADIO_ID_2"), "0");
+    EXPECT_EQ(value_in(store, "AP_VAP_NUM"), "8");
+    store_free(&store);
+}
+
+TEST(InitialStore, ASettingOfTheScenarioReplacesTheLineThatIsThereAnyway) {
+    parsed one(RADIO + "set AP_PRIMARY_CH_2 11\nset OWN_KEY own value\n");
+    ASSERT_NE(one.scene, nullptr) << one.error;
+    store_text store;
+    ASSERT_EQ(initial_store(one.scene, &store), 0);
+    EXPECT_EQ(value_in(store, "AP_PRIMARY_CH_2"), "11");
+    EXPECT_EQ(value_in(store, "OWN_KEY"), "own value");
+    store_free(&store);
+}
+
+}  // namespace

@@ -1,0 +1,185 @@
+#include "tests/system/gateway.h"
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <string.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "config/log.h"
+#include "config/store.h"
+#include "server/wire.h"
+
+constexpr int ANSWER_TIMEOUT_MS = 5000;
+
+std::string read_file(const char *path) {
+    std::ifstream file(path, std::ios::binary);
+    std::stringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+void write_file(const char *path, const std::string &text) {
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file << text;
+}
+
+size_t mark_of(const char *path) {
+    return read_file(path).size();
+}
+
+std::vector<std::string> lines_since(const char *path, size_t mark) {
+    std::string text = read_file(path);
+    std::istringstream stream(mark < text.size() ? text.substr(mark) : "");
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+bytes xdr_word(uint32_t word) {
+    uint32_t wire = htonl(word);
+    return bytes(reinterpret_cast<char *>(&wire), sizeof wire);
+}
+
+bytes xdr_string_bytes(const std::string &text) {
+    return xdr_word(static_cast<uint32_t>(text.size())) + text + bytes((4 - text.size() % 4) % 4, '\0');
+}
+
+bytes call_header(uint32_t xid, uint32_t program, uint32_t version, uint32_t procedure) {
+    bytes header;
+    for (uint32_t word : {xid, 0u, 2u, program, version, procedure, 0u, 0u, 0u, 0u})
+        header += xdr_word(word);
+    return header;
+}
+
+int open_client_socket() {
+    int client = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    sockaddr_in server = {};
+    server.sin_family = AF_INET;
+    server.sin_port = htons(SERVICE_PORT);
+    inet_aton(SERVICE_ADDRESS, &server.sin_addr);
+    EXPECT_EQ(connect(client, reinterpret_cast<sockaddr *>(&server), sizeof server), 0);
+    return client;
+}
+
+bool send_datagram(int socket, const bytes &datagram) {
+    return send(socket, datagram.data(), datagram.size(), 0) == static_cast<ssize_t>(datagram.size());
+}
+
+bool receive_datagram(int socket, bytes *datagram, int milliseconds) {
+    pollfd ready = {socket, POLLIN, 0};
+    if (poll(&ready, 1, milliseconds) != 1)
+        return false;
+    char buffer[65536];
+    ssize_t length = recv(socket, buffer, sizeof buffer, 0);
+    if (length < 0)
+        return false;
+    datagram->assign(buffer, static_cast<size_t>(length));
+    return true;
+}
+
+std::ostream &operator<<(std::ostream &out, call_outcome outcome) {
+    static const char *names[] = {"SUCCESS",      "NO_PROGRAM",   "WRONG_VERSION", "NO_PROCEDURE",
+                                  "DECODE_ERROR", "SYSTEM_ERROR", "NO_ANSWER",     "OTHER"};
+    return out << names[static_cast<int>(outcome)];
+}
+
+static uint32_t word_at(const bytes &text, size_t offset) {
+    uint32_t wire = 0;
+    if (offset + 4 <= text.size())
+        memcpy(&wire, text.data() + offset, 4);
+    return ntohl(wire);
+}
+
+// The words of an accepted reply: xid, direction, accepted, verifier (two), status.
+static call_reply parse_reply(const bytes &datagram) {
+    if (datagram.size() < 24 || word_at(datagram, 4) != 1 || word_at(datagram, 8) != 0)
+        return {call_outcome::OTHER, ""};
+    static const call_outcome outcomes[] = {call_outcome::SUCCESS,       call_outcome::NO_PROGRAM,
+                                            call_outcome::WRONG_VERSION, call_outcome::NO_PROCEDURE,
+                                            call_outcome::DECODE_ERROR,  call_outcome::SYSTEM_ERROR};
+    uint32_t status = word_at(datagram, 20);
+    return {status < 6 ? outcomes[status] : call_outcome::OTHER, datagram.substr(24)};
+}
+
+call_reply call_program(uint32_t program, uint32_t version, uint32_t procedure, const bytes &arguments) {
+    static uint32_t xid = 0x5eed0000;
+    int client = open_client_socket();
+    bytes datagram;
+    call_reply reply = {call_outcome::NO_ANSWER, ""};
+    if (send_datagram(client, call_header(++xid, program, version, procedure) + arguments) &&
+        receive_datagram(client, &datagram, ANSWER_TIMEOUT_MS)) {
+        EXPECT_EQ(word_at(datagram, 0), xid) << "the answer belongs to another call";
+        reply = parse_reply(datagram);
+    }
+    close(client);
+    return reply;
+}
+
+call_reply call(uint32_t procedure, const bytes &arguments) {
+    return call_program(WLAN_CONFIG_RPC_PROG, WLAN_CONFIG_API_VERSION, procedure, arguments);
+}
+
+int code_of(const call_reply &reply) {
+    EXPECT_EQ(reply.outcome, call_outcome::SUCCESS);
+    EXPECT_EQ(reply.result.size(), 4u);
+    return static_cast<int>(word_at(reply.result, 0));
+}
+
+decoded_result result_of(const call_reply &reply) {
+    EXPECT_EQ(reply.outcome, call_outcome::SUCCESS);
+    decoded_result result = {static_cast<int>(word_at(reply.result, 0)), {}, ""};
+    uint32_t count = word_at(reply.result, 4);
+    size_t offset = 8;
+    for (; result.values.size() < count && offset + 4 <= reply.result.size(); offset += 4)
+        result.values.push_back(word_at(reply.result, offset));
+    uint32_t length = word_at(reply.result, offset);
+    result.data = offset + 4 <= reply.result.size() ? reply.result.substr(offset + 4, length) : "";
+    EXPECT_EQ(result.values.size(), count);
+    EXPECT_EQ(result.data.size(), length);
+    EXPECT_EQ(reply.result.size(), offset + 4 + (length + 3) / 4 * 4);
+    return result;
+}
+
+void set_store(const std::vector<std::string> &lines) {
+    std::string text = "CFG\n";
+    for (const std::string &line : lines)
+        text += line + "\n";
+    write_file(STORE_FILE, text + std::string(4, '\0'));
+}
+
+std::string store_value(const std::string &key) {
+    for (const std::string &line : lines_since(STORE_FILE, 0))
+        if (line.starts_with(key + "="))
+            return line.substr(key.size() + 1);
+    return "(absent)";
+}
+
+command_output run_command(const std::string &command) {
+    constexpr const char errors_file[] = "/tmp/system_tests.errors";
+    command_output output = {-1, "", ""};
+    FILE *pipe = popen(("{ " + command + "\n} 2> " + errors_file).c_str(), "r");
+    if (!pipe)
+        return output;
+    char buffer[4096];
+    for (size_t length; (length = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+        output.text.append(buffer, length);
+    int status = pclose(pipe);
+    output.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    output.errors = read_file(errors_file);
+    unlink(errors_file);
+    return output;
+}
+
+void set_debug(bool on) {
+    if (on)
+        write_file(DEBUG_SWITCH_FILE, "");
+    else
+        unlink(DEBUG_SWITCH_FILE);
+}

@@ -1,0 +1,82 @@
+// What system tests need of the running gateway: calls as raw datagrams, the store, the journal, the server's lines.
+//
+// Runs inside the simulated gateway only.
+#pragma once
+
+#include <stdint.h>
+
+#include <string>
+#include <vector>
+
+using bytes = std::string;
+
+constexpr const char JOURNAL_FILE[] = "/run/gateway/journal";
+constexpr const char SERVER_LOG_FILE[] = "/run/gateway/server.log";
+
+std::string read_file(const char *path);
+void write_file(const char *path, const std::string &text);
+
+// Lines that a file gained since a mark, which is its size at that time.
+size_t mark_of(const char *path);
+std::vector<std::string> lines_since(const char *path, size_t mark);
+
+// Big-endian words and strings of a call's arguments.
+bytes xdr_word(uint32_t word);
+bytes xdr_string_bytes(const std::string &text);
+
+// The header of a call, whole: xid, program, version, procedure, empty credentials and verifier.
+bytes call_header(uint32_t xid, uint32_t program, uint32_t version, uint32_t procedure);
+
+// A socket of its own to the server, so that answers to other calls cannot be mistaken for one of these.
+int open_client_socket();
+bool send_datagram(int socket, const bytes &datagram);
+
+// The next datagram, or false after the given time.
+bool receive_datagram(int socket, bytes *datagram, int milliseconds);
+
+enum class call_outcome {
+    SUCCESS,
+    NO_PROGRAM,
+    WRONG_VERSION,
+    NO_PROCEDURE,
+    DECODE_ERROR,
+    SYSTEM_ERROR,
+    NO_ANSWER,
+    OTHER
+};
+std::ostream &operator<<(std::ostream &out, call_outcome outcome);
+
+struct call_reply {
+    call_outcome outcome;
+    bytes result;  // behind the reply's header, for SUCCESS
+};
+
+// One call and its answer, within five seconds.
+call_reply call(uint32_t procedure, const bytes &arguments);
+call_reply call_program(uint32_t program, uint32_t version, uint32_t procedure, const bytes &arguments);
+
+// A result taken apart. code of a bare return code; values and data of the result record.
+struct decoded_result {
+    int code;
+    std::vector<uint32_t> values;
+    bytes data;
+};
+int code_of(const call_reply &reply);
+decoded_result result_of(const call_reply &reply);
+
+// Replaces the store: header, these lines, four zero bytes.
+void set_store(const std::vector<std::string> &lines);
+
+// Value of a key in the store, "(absent)" when no line has it.
+std::string store_value(const std::string &key);
+
+// Runs a shell command: its standard output, and its exit status.
+struct command_output {
+    int status;
+    std::string text;
+    std::string errors;
+};
+command_output run_command(const std::string &command);
+
+// Switches the server's debug lines.
+void set_debug(bool on);

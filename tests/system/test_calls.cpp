@@ -1,0 +1,259 @@
+// The wire as the server answers it: which numbers exist, what is refused, and that nothing hostile reaches a handler.
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <random>
+#include <set>
+
+#include "client/operations.h"
+#include "server/wire.h"
+#include "tests/system/gateway.h"
+
+namespace {
+
+bytes sample_argument(argument_kind kind) {
+    switch (kind) {
+        case argument_kind::VAP:
+        case argument_kind::INT:
+        case argument_kind::IGNORED:
+        case argument_kind::UINT:
+        case argument_kind::BOOL:
+        case argument_kind::USHORT:
+            return xdr_word(1);
+        case argument_kind::TEXT:
+            return xdr_string_bytes("word");
+    }
+    return "";
+}
+
+bytes sample_arguments(const procedure_row &row) {
+    bytes arguments;
+    for (size_t i = 0; i < row.argument_count; i++)
+        arguments += sample_argument(row.arguments[i].kind);
+    return arguments;
+}
+
+bool handler_was_called(const char *procedure, size_t mark) {
+    std::string name = std::string("[VLK-API] ") + procedure + "_1_svc ";
+    for (const std::string &line : lines_since(SERVER_LOG_FILE, mark))
+        if (line.starts_with(name))
+            return true;
+    return false;
+}
+
+class Procedures : public testing::TestWithParam<procedure_row> {
+protected:
+    void SetUp() override {
+        set_debug(true);
+    }
+    void TearDown() override {
+        set_debug(false);
+    }
+};
+
+// The smoke test of every row: an offered procedure reaches its handler and answers with its kind of result, a pending
+// one does not exist.
+TEST_P(Procedures, AnswersAsItsRowSays) {
+    const procedure_row &row = GetParam();
+    size_t mark = mark_of(SERVER_LOG_FILE);
+    call_reply reply = call(row.number, sample_arguments(row));
+    if (row.kind == procedure_kind::PENDING) {
+        EXPECT_EQ(reply.outcome, call_outcome::NO_PROCEDURE);
+        EXPECT_FALSE(handler_was_called(row.name, mark));
+        return;
+    }
+    ASSERT_EQ(reply.outcome, call_outcome::SUCCESS);
+    EXPECT_TRUE(handler_was_called(row.name, mark));
+    if (row.result.kind == result_kind::CODE) {
+        EXPECT_EQ(reply.result.size(), 4u);
+        return;
+    }
+    decoded_result result = result_of(reply);
+    switch (row.result.kind) {
+        case result_kind::CODE:
+            break;
+        case result_kind::ACTION:
+            EXPECT_TRUE(result.values.empty());
+            EXPECT_TRUE(result.data.empty());
+            break;
+        case result_kind::INTEGERS:
+            EXPECT_EQ(result.values.size(), 4 * row.result.output_count);
+            EXPECT_TRUE(result.data.empty());
+            break;
+        case result_kind::INTEGERS64:
+            EXPECT_EQ(result.values.size(), 8 * row.result.size);
+            EXPECT_TRUE(result.data.empty());
+            break;
+        case result_kind::WORDS:
+            EXPECT_EQ(result.values.size(), row.result.size);
+            EXPECT_TRUE(result.data.empty());
+            break;
+        case result_kind::STRING:
+        case result_kind::LONG_STRING:
+            EXPECT_TRUE(result.values.empty());
+            EXPECT_TRUE(result.data.ends_with('\0'));
+            break;
+        case result_kind::IMAGE:
+            EXPECT_TRUE(result.values.empty());
+            EXPECT_EQ(result.data.size(), row.result.size);
+            break;
+        case result_kind::COUNTED_IMAGE:
+            EXPECT_EQ(result.values.size(), 4u);
+            EXPECT_EQ(result.data.size(), row.result.size);
+            break;
+    }
+}
+
+// Every truncation of an offered procedure's arguments, each behind a whole call of the same procedure, whose bytes the
+// server's receive buffer then still holds.
+TEST_P(Procedures, RefusesTruncatedArgumentsWithoutCallingItsHandler) {
+    const procedure_row &row = GetParam();
+    bytes arguments = sample_arguments(row);
+    if (row.kind == procedure_kind::PENDING || arguments.empty())
+        return;
+    ASSERT_EQ(call(row.number, arguments).outcome, call_outcome::SUCCESS);
+    size_t mark = mark_of(SERVER_LOG_FILE);
+    for (size_t length = 0; length < arguments.size(); length++)
+        EXPECT_EQ(call(row.number, arguments.substr(0, length)).outcome, call_outcome::DECODE_ERROR)
+            << length << " of " << arguments.size() << " bytes";
+    EXPECT_FALSE(handler_was_called(row.name, mark));
+}
+
+std::string procedure_name(const testing::TestParamInfo<procedure_row> &info) {
+    return info.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, Procedures, testing::ValuesIn(procedure_rows, procedure_rows + procedure_row_count),
+                         procedure_name);
+
+TEST(Calls, NullProcedureAnswersWithNothing) {
+    call_reply reply = call(0, "");
+    EXPECT_EQ(reply.outcome, call_outcome::SUCCESS);
+    EXPECT_EQ(reply.result, "");
+}
+
+TEST(Calls, TableHasAllNumbersBetweenItsHoles) {
+    std::set<uint32_t> numbers;
+    uint64_t covered = 1;  // procedure 0
+    for (size_t i = 0; i < procedure_row_count; i++)
+        covered += numbers.insert(procedure_rows[i].number).second;
+    for (size_t i = 0; i < unassigned_range_count; i++)
+        covered += uint64_t{unassigned_ranges[i].last} - unassigned_ranges[i].first + 1;
+    EXPECT_EQ(numbers.size(), 340u);
+    EXPECT_EQ(covered, uint64_t{1} << 32);
+}
+
+TEST(Calls, EdgesOfEveryHoleAreUnavailable) {
+    for (size_t i = 0; i < unassigned_range_count; i++) {
+        EXPECT_EQ(call(unassigned_ranges[i].first, "").outcome, call_outcome::NO_PROCEDURE);
+        EXPECT_EQ(call(unassigned_ranges[i].last, "").outcome, call_outcome::NO_PROCEDURE);
+    }
+    for (uint32_t number : {20u, 245u, 252u, 0x1000003u, 0xffffffffu})
+        EXPECT_EQ(call(number, "").outcome, call_outcome::NO_PROCEDURE) << number;
+}
+
+TEST(Calls, WrongProgramAndWrongVersionGetTheirOwnErrors) {
+    EXPECT_EQ(call_program(WLAN_CONFIG_RPC_PROG + 1, 1, 0, "").outcome, call_outcome::NO_PROGRAM);
+    EXPECT_EQ(call_program(WLAN_CONFIG_RPC_PROG, 2, 0, "").outcome, call_outcome::WRONG_VERSION);
+}
+
+TEST(Calls, SurplusBytesBehindTheArgumentsAreIgnored) {
+    decoded_result result = result_of(call(PROC_wlan_get_name, xdr_word(3) + "surplus!"));
+    EXPECT_EQ(result.code, 0);
+    EXPECT_EQ(result.data, bytes("ath2\0", 5));
+    EXPECT_EQ(call(0, "surplus!").outcome, call_outcome::SUCCESS);
+}
+
+TEST(Calls, TextLengthBeyondThePacketIsADecodeError) {
+    for (uint32_t length : {5u, 100u, 8800u, 0x7fffffffu, 0xffffffffu})
+        EXPECT_EQ(call(PROC_wlan_get_bssid_port, xdr_word(length) + "word").outcome, call_outcome::DECODE_ERROR)
+            << length;
+}
+
+TEST(Calls, SetterCutShortDoesNotActOnWhatAnEarlierCallLeft) {
+    set_store({"AP_SSID_3=before"});
+    ASSERT_EQ(code_of(call(PROC_wlan_set_ssid, xdr_word(3) + xdr_string_bytes("first"))), 0);
+    size_t mark = mark_of(JOURNAL_FILE);
+    EXPECT_EQ(call(PROC_wlan_set_ssid, xdr_word(3)).outcome, call_outcome::DECODE_ERROR);
+    EXPECT_EQ(call(PROC_wlan_set_ssid, "").outcome, call_outcome::DECODE_ERROR);
+    EXPECT_TRUE(lines_since(JOURNAL_FILE, mark).empty());
+    EXPECT_EQ(store_value("AP_SSID_3"), "first");
+}
+
+// A call header that ends early has no answer: there may be no xid to answer to.
+TEST(Calls, DatagramThatEndsInsideTheCallHeaderIsDropped) {
+    int client = open_client_socket();
+    bytes whole = call_header(7, WLAN_CONFIG_RPC_PROG, 1, 0);
+    bytes answer;
+    ASSERT_TRUE(send_datagram(client, whole));
+    ASSERT_TRUE(receive_datagram(client, &answer, 5000));
+    for (size_t length = 0; length < whole.size(); length++)
+        ASSERT_TRUE(send_datagram(client, whole.substr(0, length)));
+    ASSERT_TRUE(send_datagram(client, call_header(8, WLAN_CONFIG_RPC_PROG, 1, 0)));
+    ASSERT_TRUE(receive_datagram(client, &answer, 5000));
+    EXPECT_EQ(answer.substr(0, 4), xdr_word(8)) << "something before the last call was answered";
+    close(client);
+}
+
+TEST(Calls, CredentialsThatEndBeyondTheDatagramAreDropped) {
+    int client = open_client_socket();
+    bytes header = call_header(9, WLAN_CONFIG_RPC_PROG, 1, 0);
+    bytes claimed = header.substr(0, 28) + xdr_word(64) + header.substr(32);
+    bytes answer;
+    ASSERT_TRUE(send_datagram(client, header + bytes(200, '\0')));
+    ASSERT_TRUE(receive_datagram(client, &answer, 5000));
+    ASSERT_TRUE(send_datagram(client, claimed));
+    EXPECT_FALSE(receive_datagram(client, &answer, 300));
+    close(client);
+}
+
+// How often a child was started so far; a child that dies is replaced, which makes another line.
+size_t children_started() {
+    size_t count = 0;
+    for (const std::string &line : lines_since(SERVER_LOG_FILE, 0))
+        count += line.starts_with("VLK WLAN RPC Server pid=");
+    return count;
+}
+
+TEST(Calls, RandomDatagramsLeaveTheSameServerRunning) {
+    size_t children = children_started();
+    std::mt19937 random(20131337);
+    int client = open_client_socket();
+    bytes ignored;
+    for (int i = 0; i < 3000; i++) {
+        bytes datagram(random() % 200, '\0');
+        for (char &byte : datagram)
+            byte = static_cast<char>(random());
+        if (i % 2)  // half of them with a valid header and a number that exists
+            datagram =
+                call_header(random(), WLAN_CONFIG_RPC_PROG, 1, procedure_rows[3 + random() % 2].number) + datagram;
+        send_datagram(client, datagram);
+        while (receive_datagram(client, &ignored, 0))
+            ;
+    }
+    close(client);
+    EXPECT_EQ(call(0, "").outcome, call_outcome::SUCCESS);
+    EXPECT_EQ(children_started(), children);
+}
+
+TEST(Calls, FourThousandCallsThatArriveDuringASlowSetterAreAllAnswered) {
+    run_command("fault cfg slow 1");
+    int client = open_client_socket();
+    int size = 64 << 20;
+    ASSERT_EQ(setsockopt(client, SOL_SOCKET, SO_RCVBUFFORCE, &size, sizeof size), 0);
+    ASSERT_TRUE(send_datagram(
+        client, call_header(1, WLAN_CONFIG_RPC_PROG, 1, PROC_wlan_set_ssid) + xdr_word(3) + xdr_string_bytes("slow")));
+    usleep(200000);  // the setter is inside its tool now, which takes a second
+    for (uint32_t i = 0; i < 4000; i++)
+        ASSERT_TRUE(send_datagram(client, call_header(100 + i, WLAN_CONFIG_RPC_PROG, 1, 0)));
+    std::set<bytes> answered;
+    bytes answer;
+    while (answered.size() < 4001 && receive_datagram(client, &answer, 3000))
+        answered.insert(answer.substr(0, 4));
+    EXPECT_EQ(answered.size(), 4001u);
+    close(client);
+    run_command("fault cfg off");
+}
+
+}  // namespace

@@ -1,0 +1,303 @@
+// The wireless ioctls: what reaches the driver, what comes back, and the channel arithmetic. The driver is the `ioctl`
+// below, which stands in front of the C library's.
+#include "config/wireless.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <linux/wireless.h>
+#include <stdarg.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/ioctl.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+
+#include <string>
+
+#include "tests/support/platform.h"
+
+// What the driver was asked last, and what it is to answer.
+static struct {
+    int calls;
+    int descriptor;
+    unsigned long request;
+    iwreq record;
+    int error;                   // refuses with this when not 0
+    const channel_table *table;  // copied to where the request points, when not null
+    const char *inline_answer;   // 16 bytes for the record's data, when not null
+    uint16_t length_answer;      // the length word of the answer, when not 0
+} driver;
+
+extern "C" int ioctl(int descriptor, unsigned long request, ...) noexcept {
+    va_list arguments;
+    va_start(arguments, request);
+    iwreq *record = va_arg(arguments, iwreq *);
+    va_end(arguments);
+    driver.calls++;
+    driver.descriptor = descriptor;
+    driver.request = request;
+    memcpy(&driver.record, record, sizeof(driver.record));
+    if (driver.error != 0) {
+        errno = driver.error;
+        return -1;
+    }
+    if (driver.table) {
+        memcpy(record->u.data.pointer, driver.table, record->u.data.length);
+    }
+    if (driver.inline_answer) {
+        memcpy(record->u.name, driver.inline_answer, sizeof(record->u.name));
+    }
+    if (driver.length_answer != 0) {
+        record->u.data.length = driver.length_answer;
+    }
+    return 0;
+}
+
+namespace {
+
+struct Wireless : testing::Test {
+    void SetUp() override {
+        reset_platform();
+        memset(&driver, 0, sizeof(driver));
+    }
+
+    channel_table table = {};
+
+    void list_channel(unsigned frequency, uint32_t flags) {
+        table.entries[table.count].frequency = static_cast<uint16_t>(frequency);
+        table.entries[table.count].ic_flags = flags;
+        table.count++;
+        driver.table = &table;
+    }
+};
+
+// --- the socket ---
+
+TEST_F(Wireless, TheSocketIsOpenedOnceAndKept) {
+    int socket = wlan_ioctl_socket();
+    EXPECT_GE(socket, 0);
+    EXPECT_EQ(wlan_ioctl_socket(), socket);
+}
+
+TEST_F(Wireless, TheSocketIsAnInternetDatagramSocket) {
+    int domain = 0;
+    int type = 0;
+    socklen_t size = sizeof(int);
+    getsockopt(wlan_ioctl_socket(), SOL_SOCKET, SO_DOMAIN, &domain, &size);
+    getsockopt(wlan_ioctl_socket(), SOL_SOCKET, SO_TYPE, &type, &size);
+    EXPECT_EQ(domain, AF_INET);
+    EXPECT_EQ(type, SOCK_DGRAM);
+}
+
+TEST_F(Wireless, TheSocketIsClosedOnExec) {
+    EXPECT_EQ(fcntl(wlan_ioctl_socket(), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+}
+
+TEST_F(Wireless, TheProcessEndsWhenTheSocketCannotBeOpened) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process that has no socket yet
+    EXPECT_EXIT(
+        {
+            begin_descriptor_shortage();
+            wlan_ioctl_socket();
+        },
+        testing::ExitedWithCode(1), "^socket\\(SOCK_DRAGM\\): Too many open files\n");
+}
+
+// --- the request ---
+
+TEST_F(Wireless, ARequestGoesOutOnTheSharedSocket) {
+    char data[4] = {};
+    wlan_ioctl("ath0", 0x8B1B, data, sizeof(data));
+    EXPECT_EQ(driver.calls, 1);
+    EXPECT_EQ(driver.descriptor, wlan_ioctl_socket());
+    EXPECT_EQ(driver.request, 0x8B1BUL);
+}
+
+TEST_F(Wireless, TheInterfaceNameIsFilledUpWithZeros) {
+    char data[4] = {};
+    wlan_ioctl("ath15", 1, data, sizeof(data));
+    EXPECT_EQ(std::string(driver.record.ifr_name, 16), std::string("ath15") + std::string(11, '\0'));
+}
+
+TEST_F(Wireless, AnInterfaceNameIsCutToSixteenCharacters) {
+    char data[4] = {};
+    wlan_ioctl("0123456789abcdefghi", 1, data, sizeof(data));
+    EXPECT_EQ(std::string(driver.record.ifr_name, 16), "0123456789abcdef");
+    EXPECT_EQ(std::string(driver.record.u.name, 16), std::string(16, '\0'));
+}
+
+TEST_F(Wireless, DataOfSixteenBytesGoesByReference) {
+    char data[16] = "fifteen letters";
+    wlan_ioctl("ath0", 1, data, sizeof(data));
+    EXPECT_EQ(driver.record.u.data.pointer, data);
+    EXPECT_EQ(driver.record.u.data.length, 16);
+    EXPECT_EQ(driver.record.u.data.flags, 0);
+}
+
+TEST_F(Wireless, DataOfFifteenBytesGoesInsideTheRequest) {
+    char data[] = {'f', 'i', 'f', 't', 'e', 'e', 'n', ' ', 'l', 'e', 't', 't', 'e', 'r', 's'};
+    static_assert(sizeof(data) == 15);
+    wlan_ioctl("ath0", 1, data, sizeof(data));
+    EXPECT_EQ(std::string(driver.record.u.name, 16), std::string("fifteen letters") + '\0');
+}
+
+TEST_F(Wireless, ASuccessfulRequestReturnsZeroAndPrintsNothing) {
+    char data[4] = {};
+    int status = -2;
+    printed_text printed = capture([&] { status = wlan_ioctl("ath0", 1, data, sizeof(data)); });
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(printed.out + printed.err, "");
+}
+
+TEST_F(Wireless, AFailedRequestIsReportedWithTheSystemsText) {
+    driver.error = ENODEV;
+    char data[4] = {};
+    int status = 0;
+    printed_text printed = capture([&] { status = wlan_ioctl("ath0", 1, data, sizeof(data)); });
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(printed.err, "ioctl: No such device\n");
+}
+
+// --- private requests ---
+
+TEST_F(Wireless, APrivateRequestReturnsTheDriversLengthWord) {
+    driver.length_answer = 321;
+    char data[400] = {};
+    EXPECT_EQ(wlan_get80211priv("ath0", 1, data, sizeof(data)), 321);
+}
+
+TEST_F(Wireless, APrivateRequestWithLongDataPassesItByReference) {
+    char data[400] = {};
+    EXPECT_EQ(wlan_get80211priv("ath0", 1, data, sizeof(data)), 400);
+    EXPECT_EQ(driver.record.u.data.pointer, data);
+}
+
+TEST_F(Wireless, TheShortAnswerOfAPrivateRequestIsCopiedBack) {
+    driver.inline_answer = "an answer of 16.";
+    char data[10] = "question";
+    wlan_get80211priv("ath0", 1, data, 9);
+    EXPECT_EQ(std::string(driver.record.u.name), "question");
+    EXPECT_EQ(std::string(data, 9), "an answer");
+    EXPECT_EQ(data[9], '\0');
+}
+
+TEST_F(Wireless, AFailedPrivateRequestReturnsMinusOneAndPrintsNothing) {
+    driver.error = EINVAL;
+    char data[4] = {'k', 'e', 'p', 't'};
+    int status = 0;
+    printed_text printed = capture([&] { status = wlan_get80211priv("ath0", 1, data, sizeof(data)); });
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(std::string(data, 4), "kept");
+    EXPECT_EQ(printed.out + printed.err, "");
+}
+
+// --- the channel table ---
+
+TEST_F(Wireless, TheChannelTableIsAskedForWithItsWholeRoom) {
+    get_channels("wifi0", 1);
+    EXPECT_EQ(std::string(driver.record.ifr_name), "wifi0");
+    EXPECT_EQ(driver.request, 0x8BE7UL);
+    EXPECT_EQ(driver.record.u.data.length, 5104);
+}
+
+TEST_F(Wireless, TheFlagsOfAListedChannelAreReturned) {
+    list_channel(2412, 0x480);
+    list_channel(5180, 0x140);
+    EXPECT_EQ(get_channels("wifi0", 36), 0x140);
+    EXPECT_EQ(get_channels("wifi0", 1), 0x480);
+}
+
+TEST_F(Wireless, TheFirstEntryOfAChannelWins) {
+    list_channel(2412, 0x1);
+    list_channel(2412, 0x2);
+    EXPECT_EQ(get_channels("wifi0", 1), 0x1);
+}
+
+TEST_F(Wireless, AnUnlistedChannelHasNoFlags) {
+    list_channel(2412, 0x480);
+    EXPECT_EQ(get_channels("wifi0", 2), 0);
+}
+
+TEST_F(Wireless, EntriesBehindTheCountAreNotLookedAt) {
+    list_channel(2412, 0x1);
+    list_channel(2417, 0x2);
+    table.count = 1;
+    EXPECT_EQ(get_channels("wifi0", 2), 0);
+}
+
+TEST_F(Wireless, TheLastEntryOfAFullTableIsLookedAt) {
+    table.count = CHANNEL_TABLE_ENTRIES - 1;
+    list_channel(2412, 0x77);
+    EXPECT_EQ(get_channels("wifi0", 1), 0x77);
+}
+
+TEST_F(Wireless, ACountBeyondTheTableIsNotFollowed) {
+    list_channel(2412, 0x1);
+    table.count = 0xffffffff;
+    EXPECT_EQ(get_channels("wifi0", 2), 0);
+}
+
+TEST_F(Wireless, AnUnreadableChannelTableIsReported) {
+    driver.error = EOPNOTSUPP;
+    int flags = 0;
+    printed_text printed = capture([&] { flags = get_channels("wifi0", 1); });
+    EXPECT_EQ(flags, -1);
+    EXPECT_EQ(printed.err, "unable to get channel information: Operation not supported\n");
+}
+
+TEST_F(Wireless, TheFlagsAreLoggedWhileDebuggingIsOn) {
+    list_channel(2412, 0x4a0);
+    set_debug(true);
+    printed_text printed = capture([] { get_channels("wifi0", 1); });
+    EXPECT_EQ(printed.out, "[VLK-API] get_channels ic_flags:0x4a0\n");
+}
+
+TEST_F(Wireless, NothingIsPrintedWhileDebuggingIsOff) {
+    list_channel(2412, 0x4a0);
+    printed_text printed = capture([] { get_channels("wifi0", 1); });
+    EXPECT_EQ(printed.out + printed.err, "");
+}
+
+// --- channel numbers ---
+
+struct frequency_case {
+    unsigned frequency;
+    unsigned channel;
+};
+
+void expect_channels(std::initializer_list<frequency_case> cases) {
+    for (const frequency_case &row : cases) {
+        EXPECT_EQ(freq_to_channel(row.frequency), row.channel) << row.frequency << " MHz";
+    }
+}
+
+TEST_F(Wireless, ChannelsBelow2484MegahertzLieFiveApart) {
+    expect_channels({{2407, 0}, {2412, 1}, {2417, 2}, {2437, 6}, {2472, 13}, {2483, 15}});
+}
+
+TEST_F(Wireless, ChannelFourteenLiesAt2484Megahertz) {
+    expect_channels({{2484, 14}});
+}
+
+TEST_F(Wireless, ChannelsBetweenTheBandsLieTwentyApart) {
+    expect_channels({{2512, 15}, {2531, 15}, {2532, 16}, {2732, 26}, {4900, 134}});
+}
+
+TEST_F(Wireless, ThePublicSafetyBandHasARuleOfItsOwn) {
+    expect_channels({{4941, 2}, {4942, 5}, {4945, 10}, {4947, 15}, {4957, 35}, {4987, 95}, {4989, 98}});
+}
+
+TEST_F(Wireless, BesideThePublicSafetyBandChannelsCountFrom4000Megahertz) {
+    expect_channels({{4901, 180}, {4920, 184}, {4940, 188}, {4990, 198}, {4999, 199}});
+}
+
+TEST_F(Wireless, ChannelsFrom5000MegahertzOnLieFiveApart) {
+    expect_channels({{5000, 0}, {5180, 36}, {5200, 40}, {5745, 149}, {5825, 165}});
+}
+
+TEST_F(Wireless, WhatLiesBelowABandWrapsAround) {
+    expect_channels({{0, 858992977}, {2406, 858993459}, {2485, 214748378}, {2511, 214748379}});
+}
+
+}  // namespace
