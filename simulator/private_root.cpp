@@ -239,6 +239,12 @@ static bool place_users(void) {
     return fclose(to) == 0 || refused("/etc/passwd", CONTAINER_REMEDY);
 }
 
+// The portmapper looks its port up by name. The smallest systems have no list of names.
+static bool place_services(void) {
+    return access("/etc/services", F_OK) == 0 ||
+           place_file("/etc/services", "sunrpc 111/tcp portmapper\nsunrpc 111/udp portmapper\n");
+}
+
 static bool place_programs(const gateway_programs *programs) {
     static const char *const paths[] = {
 #define TOOL(name, function, path, usage) path,
@@ -273,5 +279,5 @@ bool enter_private_root(const kept_directories *kept, const gateway_programs *pr
         return false;
     make_host_read_only();
     return adopt_host() && make_own_directories(kept) && cover_host_directories() && make_farms() && place_users() &&
-           place_programs(programs) && place_board();
+           place_services() && place_programs(programs) && place_board();
 }

@@ -86,18 +86,6 @@ static bool wait_for(bool (*ready)(void), pid_t daemon, const char *name, const 
     return true;
 }
 
-static bool portmapper_accepts(void) {
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    snprintf(address.sun_path, sizeof address.sun_path, "/run/rpcbind.sock");
-    int file = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (file < 0)
-        return false;
-    bool accepted = connect(file, (const sockaddr *)&address, sizeof address) == 0;
-    close(file);
-    return accepted;
-}
-
 static bool may_set_groups(void) {
     char answer[8] = "";
     FILE *file = fopen("/proc/self/setgroups", "re");
@@ -123,16 +111,6 @@ void allow_giving_up_groups(void) {
     prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program);
 }
 
-bool start_portmapper(void) {
-    pid_t child = fork();
-    if (child == 0) {
-        char name[] = "portmap", foreground[] = "-f";
-        char *arguments[] = {name, foreground, nullptr};
-        become(PORTMAPPER, arguments, GATEWAY_PORTMAPPER_LOG);
-    }
-    return wait_for(portmapper_accepts, child, "the portmapper", GATEWAY_PORTMAPPER_LOG);
-}
-
 // Sends the portmapper's "which port has this program" and reads the answer; false when there is none in time.
 static bool ask_for_port(int file, uint32_t *port) {
     constexpr int answer_milliseconds = 500;
@@ -153,18 +131,51 @@ static bool ask_for_port(int file, uint32_t *port) {
     return answer[2] == 0 && answer[5] == 0;
 }
 
-static bool server_is_registered(void) {
+// Asks the portmapper over UDP, as clients do. False when it does not answer.
+static bool server_port(uint32_t *port) {
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_port = htons(111);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     int file = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    uint32_t port = 0;
     bool asked =
-        file >= 0 && connect(file, (const sockaddr *)&address, sizeof address) == 0 && ask_for_port(file, &port);
+        file >= 0 && connect(file, (const sockaddr *)&address, sizeof address) == 0 && ask_for_port(file, port);
     if (file >= 0)
         close(file);
-    return asked && port == SERVER_PORT;
+    return asked;
+}
+
+static bool server_is_registered(void) {
+    uint32_t port = 0;
+    return server_port(&port) && port == SERVER_PORT;
+}
+
+// The server registers through the portmapper's local socket.
+static bool local_socket_accepts(void) {
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    snprintf(address.sun_path, sizeof address.sun_path, "/run/rpcbind.sock");
+    int file = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (file < 0)
+        return false;
+    bool accepted = connect(file, (const sockaddr *)&address, sizeof address) == 0;
+    close(file);
+    return accepted;
+}
+
+static bool portmapper_answers(void) {
+    uint32_t no_port_yet = 0;
+    return local_socket_accepts() && server_port(&no_port_yet);
+}
+
+bool start_portmapper(void) {
+    pid_t child = fork();
+    if (child == 0) {
+        char name[] = "portmap", foreground[] = "-f";
+        char *arguments[] = {name, foreground, nullptr};
+        become(PORTMAPPER, arguments, GATEWAY_PORTMAPPER_LOG);
+    }
+    return wait_for(portmapper_answers, child, "the portmapper", GATEWAY_PORTMAPPER_LOG);
 }
 
 // Appends an option to a sanitizer's option list, keeping what the caller set.

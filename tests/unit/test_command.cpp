@@ -3,7 +3,6 @@
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -13,7 +12,6 @@
 
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "tests/support/platform.h"
 
@@ -200,15 +198,15 @@ TEST_F(Command, CommandsOfSeveralThreadsDoNotMix) {
     constexpr int THREADS = 4;
     constexpr int ROUNDS = 10;
     int wrong[THREADS] = {};
-    std::vector<std::thread> threads;
+    std::thread threads[THREADS];
     for (int i = 0; i < THREADS; i++) {
-        threads.emplace_back([i, &wrong] {
-            std::string line = std::to_string(i);
-            std::string expected = line + "\n" + line + "\n";
+        threads[i] = std::thread([i, &wrong] {
+            char expected[32];
+            snprintf(expected, sizeof(expected), "%d\n%d\n", i, i);
             for (int round = 0; round < ROUNDS; round++) {
                 char *text = nullptr;
-                athcfg_executecmd("caller", ("echo " + line + "; echo " + line).c_str(), &text);
-                wrong[i] += !text || text != expected;
+                athcfg_executecmdf("caller", &text, "echo %d; echo %d", i, i);
+                wrong[i] += !text || strcmp(text, expected) != 0;
                 free(text);
             }
         });
