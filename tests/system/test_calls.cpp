@@ -237,6 +237,16 @@ TEST(Calls, RandomDatagramsLeaveTheSameServerRunning) {
     EXPECT_EQ(children_started(), children);
 }
 
+// Tools complain on the server's standard error of interfaces that are down; the server itself says nothing.
+TEST(Calls, WithoutTheDebugSwitchNoHandlerWritesAnything) {
+    set_debug(false);
+    size_t mark = mark_of(SERVER_LOG_FILE);
+    for (size_t i = 0; i < procedure_row_count; i++)
+        call(procedure_rows[i].number, sample_arguments(procedure_rows[i]));
+    for (const std::string &line : lines_since(SERVER_LOG_FILE, mark))
+        EXPECT_TRUE(line.starts_with("ath") || line.starts_with("[VLK-API] Error wlan_associateVlan ")) << line;
+}
+
 TEST(Calls, FourThousandCallsThatArriveDuringASlowSetterAreAllAnswered) {
     run_command("fault cfg slow 1");
     int client = open_client_socket();

@@ -2,7 +2,12 @@
 // that has no portmapper and no server yet; each test starts what it needs and ends it.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <signal.h>
+#include <stddef.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -33,12 +38,27 @@ bool eventually(const std::function<bool()> &condition, milliseconds limit = mil
     return true;
 }
 
+// From here on the kernel refuses these calls to this process and whatever it becomes.
+void refuse_calls(const std::vector<unsigned> &numbers) {
+    std::vector<sock_filter> steps = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
+    for (unsigned number : numbers) {
+        steps.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1));
+        steps.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EACCES));
+    }
+    steps.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
+    sock_fprog program = {static_cast<unsigned short>(steps.size()), steps.data()};
+    prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+    prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program);
+}
+
 // Starts a program with its output in LOG and a process group of its own.
-pid_t start(const std::vector<std::string> &words) {
+pid_t start(const std::vector<std::string> &words, const std::vector<unsigned> &refused = {}) {
     pid_t pid = fork();
     if (pid != 0)
         return pid;
     setpgid(0, 0);
+    if (!refused.empty())
+        refuse_calls(refused);
     int log = open(LOG, O_WRONLY | O_CREAT | O_APPEND, 0644);
     dup2(log, STDOUT_FILENO);
     dup2(log, STDERR_FILENO);
@@ -118,8 +138,8 @@ protected:
         unlink("/run/rpcbind.sock");
     }
 
-    void start_server() {
-        server = start({server_program()});
+    void start_server(const std::vector<unsigned> &refused = {}) {
+        server = start({server_program()}, refused);
     }
 
     pid_t portmap = 0;
@@ -234,6 +254,29 @@ TEST_F(ServerProcess, FailedRegistrationEndsTheChildCleanly) {
     kill(first, SIGKILL);
     ASSERT_TRUE(eventually([] { return count_lines("The child exited with status = 0") > 0; }, milliseconds(60000)));
     EXPECT_GT(count_lines("unable to register (WLAN_CONFIG_RPC_PROG, WLAN_CONFIG_API_VERSION, udp)."), 0u);
+}
+
+// Without processes the checks cannot be made either: they pass, and the first fork fails.
+TEST_F(ServerProcess, WithoutAChildToWaitForSaysSoAndEndsWithStatus1) {
+    start_server({SYS_clone, SYS_clone3, SYS_vfork});
+    EXPECT_EQ(end_status(server), 1);
+    server = 0;
+    // The first line: a leak checker that was built in complains behind it that it has no process either.
+    EXPECT_EQ(lines_since(LOG, 0).at(0), "wait child error: No child processes");
+}
+
+TEST_F(ServerProcess, FailedSocketEndsTheChildWithStatus1AndItIsReplacedAtOnce) {
+    auto started = steady_clock::now();
+    start_server({SYS_socket});
+    ASSERT_TRUE(eventually([] { return count_lines("The child exited with status = 1") >= 10; }));
+    EXPECT_LT(steady_clock::now() - started, milliseconds(2000)) << "there was a pause between the children";
+    EXPECT_GE(count_lines("socket: Permission denied"), 10u);
+}
+
+TEST_F(ServerProcess, TransportThatCannotBeMadeEndsTheChildWithStatus1) {
+    start_server({SYS_getsockname});
+    ASSERT_TRUE(eventually([] { return count_lines("The child exited with status = 1") > 0; }));
+    EXPECT_GT(count_lines("cannot create udp service."), 0u);
 }
 
 TEST_F(ServerProcess, StaysWithItsDescriptorsClosedToTheProgramsItStarts) {

@@ -1,0 +1,66 @@
+// The real client against the real server: spellings, what it prints, its exit statuses.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "tests/system/gateway.h"
+
+namespace {
+
+constexpr const char CLIENT[] = "/usr/sbin/vlk_rpc_wlan_config_client ";
+
+command_output client(const std::string &words) {
+    return run_command(CLIENT + words);
+}
+
+class Client : public testing::Test {
+protected:
+    void SetUp() override {
+        set_store({"AP_VAP_NUM=8", "AP_RADIO_ID_9=1", "AP_SSID=home"});
+    }
+};
+
+TEST_F(Client, SetsAndReadsAnSsid) {
+    command_output set = client("setSsid 3 'Guest \"network\"'");
+    EXPECT_EQ(set.status, 0) << set.errors;
+    EXPECT_EQ(set.text, "ok\n");
+    command_output get = client("getSsid 3");
+    EXPECT_EQ(get.status, 0) << get.errors;
+    EXPECT_EQ(get.text, "Guest \"network\"\n");
+}
+
+TEST_F(Client, TakesEverySpellingOfAnOperation) {
+    for (const char *word : {"getSsid", "getssid", "GETSSID", "get_ssid", "wlan_get_ssid", "Wlan_Get_Ssid"})
+        EXPECT_EQ(client(std::string(word) + " 1").text, "home\n") << word;
+}
+
+TEST_F(Client, FailureOfTheServerIsStatusOneAndNamed) {
+    command_output refused = client("setChannel 9 6");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.text, "");
+    EXPECT_EQ(refused.errors, "setChannel: the server answered failure (-1)\n");
+}
+
+TEST_F(Client, NegativeIndexIsAValueAndNoOption) {
+    EXPECT_EQ(client("setSsid -3 bare").status, 0);
+    EXPECT_EQ(store_value("AP_SSID"), "bare");
+}
+
+TEST_F(Client, BadUsageIsStatusTwoAndSendsNothing) {
+    size_t mark = mark_of(JOURNAL_FILE);
+    EXPECT_EQ(client("setSsid 3").status, 2);
+    EXPECT_EQ(client("setSsid three home").status, 2);
+    EXPECT_EQ(client("setSid 3 home").status, 2);
+    EXPECT_EQ(client("").status, 2);
+    EXPECT_TRUE(lines_since(JOURNAL_FILE, mark).empty());
+}
+
+TEST_F(Client, ServerThatIsBusyLongerThanTheTimeoutIsStatusThree) {
+    run_command("fault cfg slow 2");
+    command_output late = client("--timeout 1 setSsid 1 late");
+    EXPECT_EQ(late.status, 3);
+    EXPECT_NE(late.errors.find("no answer"), std::string::npos) << late.errors;
+    run_command("fault cfg off");
+    EXPECT_EQ(client("getSsid 1").text, "late\n") << "the setter was carried out all the same, once";
+}
+
+}  // namespace
