@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-using bytes = std::string;
+#include "tests/support/calls.h"
 
 constexpr const char JOURNAL_FILE[] = "/run/gateway/journal";
 constexpr const char SERVER_LOG_FILE[] = "/run/gateway/server.log";
@@ -20,36 +20,8 @@ void write_file(const char *path, const std::string &text);
 size_t mark_of(const char *path);
 std::vector<std::string> lines_since(const char *path, size_t mark);
 
-// Big-endian words and strings of a call's arguments.
-bytes xdr_word(uint32_t word);
-bytes xdr_string_bytes(const std::string &text);
-
-// The header of a call, whole: xid, program, version, procedure, empty credentials and verifier.
-bytes call_header(uint32_t xid, uint32_t program, uint32_t version, uint32_t procedure);
-
 // A socket of its own to the server, so that answers to other calls cannot be mistaken for one of these.
 int open_client_socket();
-bool send_datagram(int socket, const bytes &datagram);
-
-// The next datagram, or false after the given time.
-bool receive_datagram(int socket, bytes *datagram, int milliseconds);
-
-enum class call_outcome {
-    SUCCESS,
-    NO_PROGRAM,
-    WRONG_VERSION,
-    NO_PROCEDURE,
-    DECODE_ERROR,
-    SYSTEM_ERROR,
-    NO_ANSWER,
-    OTHER
-};
-std::ostream &operator<<(std::ostream &out, call_outcome outcome);
-
-struct call_reply {
-    call_outcome outcome;
-    bytes result;  // behind the reply's header, for SUCCESS
-};
 
 // One call and its answer, within five seconds.
 call_reply call(uint32_t procedure, const bytes &arguments);

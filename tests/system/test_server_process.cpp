@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
+#include <rpc/pmap_clnt.h>
 #include <signal.h>
 #include <stddef.h>
 #include <sys/prctl.h>
@@ -71,9 +72,14 @@ pid_t start(const std::vector<std::string> &words, const std::vector<unsigned> &
     _exit(127);
 }
 
+// The exit status of a program that should end by itself; -1, and an end by force, when it does not.
 int end_status(pid_t pid) {
     int status = 0;
-    waitpid(pid, &status, 0);
+    if (!eventually([&] { return waitpid(pid, &status, WNOHANG) == pid; })) {
+        kill(-pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+        return -1;
+    }
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
@@ -206,6 +212,15 @@ TEST_F(ServerProcess, RegistersItsProgramWithThePortmapper) {
     command_output null_call = run_command("rpcinfo -T udp 192.168.254.254 538121015 1");
     EXPECT_EQ(null_call.status, 0) << null_call.errors;
     EXPECT_EQ(null_call.text, "program 538121015 version 1 ready and waiting\n");
+}
+
+TEST_F(ServerProcess, EarlierRegistrationOfTheProgramIsReplaced) {
+    ASSERT_TRUE(eventually([] { return pmap_set(WLAN_CONFIG_RPC_PROG, 1, IPPROTO_UDP, 1234) == TRUE; }));
+    start_server();
+    ASSERT_TRUE(eventually(serves));
+    command_output list = run_command("rpcinfo -p 192.168.254.254");
+    EXPECT_NE(list.text.find("538121015    1   udp  60001"), std::string::npos) << list.text;
+    EXPECT_EQ(list.text.find("1234"), std::string::npos) << list.text;
 }
 
 TEST_F(ServerProcess, KilledChildIsReplacedAtOnceAndInSilence) {

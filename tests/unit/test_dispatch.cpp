@@ -1,0 +1,127 @@
+// Transport and dispatcher in this process, on a socket of the loopback interface: what is refused, and that nothing is
+// lost whatever is refused (a leak checker looks at this process when it ends).
+#include "server/dispatch.h"
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "client/operations.h"
+#include "server/transport.h"
+#include "tests/support/calls.h"
+#include "tests/support/platform.h"
+
+namespace {
+
+// One server a process, as in the server itself: the library keeps its transports in globals.
+struct loopback_server {
+    int client;
+    SVCXPRT *transport;
+};
+
+loopback_server start_server() {
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    auto *generic = reinterpret_cast<sockaddr *>(&address);
+    int service = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP);
+    EXPECT_EQ(bind(service, generic, sizeof address), 0);
+    EXPECT_EQ(getsockname(service, generic, &length), 0);
+    SVCXPRT *transport = transport_create(service);
+    EXPECT_NE(transport, nullptr);
+    constexpr int no_portmapper = 0;
+    EXPECT_TRUE(
+        svc_register(transport, WLAN_CONFIG_RPC_PROG, WLAN_CONFIG_API_VERSION, wlan_config_rpc_prog_1, no_portmapper));
+    int client = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP);
+    EXPECT_EQ(connect(client, generic, sizeof address), 0);
+    return {client, transport};
+}
+
+loopback_server &server() {
+    static loopback_server started = start_server();
+    return started;
+}
+
+// Sends a datagram, serves it, and takes the answer apart.
+call_reply serve(const bytes &datagram) {
+    EXPECT_TRUE(send_datagram(server().client, datagram));
+    svc_getreq_common(server().transport->xp_fd);
+    bytes answer;
+    if (!receive_datagram(server().client, &answer, 0))
+        return {call_outcome::NO_ANSWER, ""};
+    return parse_reply(answer);
+}
+
+bytes header_of(u_int procedure) {
+    return call_header(1, WLAN_CONFIG_RPC_PROG, WLAN_CONFIG_API_VERSION, procedure);
+}
+
+TEST(Dispatch, ReplyCarriesTheResultOfTheBackEnd) {
+    call_reply reply = serve(header_of(PROC_wlan_get_name) + xdr_word(9));
+    EXPECT_EQ(reply.outcome, call_outcome::SUCCESS);
+    EXPECT_EQ(reply.result, xdr_word(0) + xdr_word(0) + xdr_word(5) + bytes("ath8\0\0\0\0", 8));
+}
+
+TEST(Dispatch, BackEndsFailureIsAnOrdinaryReply) {
+    call_reply reply = serve(header_of(PROC_wlan_get_name) + xdr_word(0));
+    EXPECT_EQ(reply.outcome, call_outcome::SUCCESS);
+    EXPECT_EQ(reply.result, xdr_word(0xffffffff) + xdr_word(0) + xdr_word(1) + xdr_word(0));
+}
+
+// The text in front was decoded, and allocated, before what follows it is found missing.
+TEST(Dispatch, RecordCutShortBehindItsTextIsRefusedAndNothingOfItIsKept) {
+    bytes whole = xdr_string_bytes("00:03:7f:10:00:01") + xdr_word(7);
+    for (int round = 0; round < 100; round++)
+        for (size_t length = 0; length < whole.size(); length++)
+            ASSERT_EQ(serve(header_of(PROC_wlan_associate_vlan) + whole.substr(0, length)).outcome,
+                      call_outcome::DECODE_ERROR)
+                << length;
+}
+
+TEST(Dispatch, WhatAnEarlierCallLeftInTheBufferIsNeverDecoded) {
+    EXPECT_EQ(serve(header_of(PROC_wlan_get_name) + xdr_word(9)).outcome, call_outcome::SUCCESS);
+    for (size_t length = 0; length < 4; length++)
+        EXPECT_EQ(serve(header_of(PROC_wlan_get_name) + xdr_word(9).substr(0, length)).outcome,
+                  call_outcome::DECODE_ERROR);
+}
+
+TEST(Dispatch, ProcedureWithoutArgumentsIsServedFromItsHeaderAlone) {
+    EXPECT_EQ(serve(header_of(PROC_wlan_get_number_of_entries)).outcome, call_outcome::SUCCESS);
+    EXPECT_EQ(serve(header_of(NULLPROC)).outcome, call_outcome::SUCCESS);
+}
+
+TEST(Dispatch, DatagramCutInsideItsHeaderIsNotAnswered) {
+    bytes whole = header_of(PROC_wlan_get_number_of_entries);
+    ASSERT_EQ(serve(whole).outcome, call_outcome::SUCCESS);
+    for (size_t length = 0; length < whole.size(); length++)
+        EXPECT_EQ(serve(whole.substr(0, length)).outcome, call_outcome::NO_ANSWER) << length;
+}
+
+TEST(Dispatch, DatagramLargerThanTheReceiveBufferIsRefused) {
+    bytes text = xdr_string_bytes(std::string(UDPMSGSIZE, 'x'));
+    EXPECT_EQ(serve(header_of(PROC_wlan_get_bssid_port) + text).outcome, call_outcome::DECODE_ERROR);
+}
+
+TEST(Dispatch, PendingProceduresAreUnavailableWhateverTheirArguments) {
+    for (size_t i = 0; i < procedure_row_count; i++) {
+        if (procedure_rows[i].kind != procedure_kind::PENDING)
+            continue;
+        bytes header = header_of(procedure_rows[i].number);
+        EXPECT_EQ(serve(header).outcome, call_outcome::NO_PROCEDURE) << procedure_rows[i].name;
+        EXPECT_EQ(serve(header + bytes(40, '\0')).outcome, call_outcome::NO_PROCEDURE) << procedure_rows[i].name;
+    }
+}
+
+TEST(Dispatch, CallOfAnotherRpcVersionIsNotAnswered) {
+    bytes header = header_of(NULLPROC);
+    EXPECT_EQ(serve(header.substr(0, 8) + xdr_word(3) + header.substr(12)).outcome, call_outcome::NO_ANSWER);
+}
+
+TEST(Dispatch, ReplyThatArrivesAsACallIsNotAnswered) {
+    bytes header = header_of(NULLPROC);
+    EXPECT_EQ(serve(header.substr(0, 4) + xdr_word(1) + header.substr(8)).outcome, call_outcome::NO_ANSWER);
+}
+
+}  // namespace
