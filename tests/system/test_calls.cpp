@@ -144,6 +144,14 @@ TEST(Calls, TableHasAllNumbersBetweenItsHoles) {
     EXPECT_EQ(covered, uint64_t{1} << 32);
 }
 
+TEST(Calls, BareCodesAndResultRecordsAreAsManyAsClientsKnow) {
+    size_t codes = 0;
+    for (size_t i = 0; i < procedure_row_count; i++)
+        codes += procedure_rows[i].result.kind == result_kind::CODE;
+    EXPECT_EQ(codes, 156u);
+    EXPECT_EQ(procedure_row_count - codes, 184u);
+}
+
 TEST(Calls, EdgesOfEveryHoleAreUnavailable) {
     for (size_t i = 0; i < unassigned_range_count; i++) {
         EXPECT_EQ(call(unassigned_ranges[i].first, "").outcome, call_outcome::NO_PROCEDURE);
