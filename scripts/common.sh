@@ -36,10 +36,17 @@ find_rpcbind() {
     rpcbind=$PWD/build/rpcbind/sbin/rpcbind
 }
 
-# build PRESET [CMAKE_ARGUMENT...]: configures and builds.
-build() {
-    preset=$1
+# quietly LOG COMMAND...: shows what a command prints only when it fails, and then ends.
+quietly() {
+    log=$1
     shift
-    cmake --preset "$preset" "$@" >"build/$preset.log" 2>&1 && cmake --build --preset "$preset" >>"build/$preset.log" 2>&1 ||
-        { cat "build/$preset.log" >&2; exit 1; }
+    "$@" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+}
+
+# configure PRESET [ARGUMENT...] and compile PRESET [ARGUMENT...], as for cmake and cmake --build.
+configure() {
+    quietly "build/$1.configure.log" cmake --preset "$@"
+}
+compile() {
+    quietly "build/$1.log" cmake --build --preset "$@"
 }
