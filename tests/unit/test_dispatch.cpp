@@ -114,6 +114,33 @@ TEST(Dispatch, PendingProceduresAreUnavailableWhateverTheirArguments) {
     }
 }
 
+// Stamp, machine name, user, group and no further groups, as UNIX clients send them.
+TEST(Dispatch, CallWithSystemCredentialsIsServed) {
+    bytes credentials = xdr_word(1) + xdr_string_bytes("page") + xdr_word(1000) + xdr_word(1000) + xdr_word(0);
+    bytes header = header_of(PROC_wlan_get_name).substr(0, 24) + xdr_word(AUTH_SYS) +
+                   xdr_word(static_cast<uint32_t>(credentials.size())) + credentials + xdr_word(0) + xdr_word(0);
+    EXPECT_EQ(serve(header + xdr_word(9)).outcome, call_outcome::SUCCESS);
+    EXPECT_EQ(serve(header).outcome, call_outcome::DECODE_ERROR);
+}
+
+TEST(Dispatch, EachAnswerGoesToTheCallerThatAsked) {
+    sockaddr_in address = {};
+    socklen_t length = sizeof address;
+    getsockname(server().transport->xp_fd, reinterpret_cast<sockaddr *>(&address), &length);
+    int other = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP);
+    ASSERT_EQ(connect(other, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    ASSERT_TRUE(send_datagram(server().client, call_header(0xa1, WLAN_CONFIG_RPC_PROG, 1, NULLPROC)));
+    ASSERT_TRUE(send_datagram(other, call_header(0xb2, WLAN_CONFIG_RPC_PROG, 1, NULLPROC)));
+    svc_getreq_common(server().transport->xp_fd);
+    svc_getreq_common(server().transport->xp_fd);
+    bytes answer;
+    ASSERT_TRUE(receive_datagram(server().client, &answer, 0));
+    EXPECT_EQ(word_at(answer, 0), 0xa1u);
+    ASSERT_TRUE(receive_datagram(other, &answer, 0));
+    EXPECT_EQ(word_at(answer, 0), 0xb2u);
+    close(other);
+}
+
 TEST(Dispatch, CallOfAnotherRpcVersionIsNotAnswered) {
     bytes header = header_of(NULLPROC);
     EXPECT_EQ(serve(header.substr(0, 8) + xdr_word(3) + header.substr(12)).outcome, call_outcome::NO_ANSWER);
