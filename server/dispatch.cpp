@@ -56,6 +56,7 @@ struct procedure_entry {
     int (*wrapper)(void *argument, void *result, svc_req *request);
 };
 
+// The library's xdr_void takes no arguments at all, so it cannot be called as a routine of a stream and an object.
 static bool_t xdr_nothing(XDR *, void *) {
     return TRUE;
 }

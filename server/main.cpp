@@ -15,6 +15,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "config/command.h"
 #include "server/dispatch.h"
 #include "server/transport.h"
 #include "server/wire.h"
@@ -63,7 +64,7 @@ static void bind_service(int socket, const sockaddr_in *address) {
         return;
     if (count_from("pgrep -l hostapd | grep -c hostapd", HOSTAPD_COUNT_SIZE, 0) > 0) {
         puts("socket bind failed restarting driver");
-        [[maybe_unused]] int status = system("/etc/ath/apup");
+        run_shell("/etc/ath/apup");
     }
     if (bind(socket, generic, sizeof *address) == 0)
         return;

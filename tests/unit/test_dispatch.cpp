@@ -10,7 +10,6 @@
 #include "client/operations.h"
 #include "server/transport.h"
 #include "tests/support/calls.h"
-#include "tests/support/platform.h"
 
 namespace {
 
