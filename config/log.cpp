@@ -27,3 +27,10 @@ void log_error(const char *format, ...) {
     vfprintf(stderr, format, arguments);
     va_end(arguments);
 }
+
+void log_always(const char *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    vprintf(format, arguments);
+    va_end(arguments);
+}

@@ -149,3 +149,9 @@ int mode_compose(wlan_mode_info *mode, char *text, size_t size) {
     snprintf(text, size, "%s%s%s%s", mode->base, is_base(mode, "11AC") ? "V" : "", mode->width_text, mode->offset_text);
     return 0;
 }
+
+void mode_write(int radio, wlan_mode_info *mode) {
+    char text[MODE_STRING_SIZE];
+    mode_compose(mode, text, sizeof(text));
+    athcfg_setbyname(radio_store_index(radio), "AP_CHMODE", text);
+}

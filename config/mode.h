@@ -40,3 +40,6 @@ int mode_parsing(int radio, wlan_mode_info *mode);
 // Settles the record (legacy modes carry no width, 802.11n no 80 MHz) and writes its mode string into text, which
 // should have MODE_STRING_SIZE bytes. Always returns 0.
 int mode_compose(wlan_mode_info *mode, char *text, size_t size);
+
+// Composes the record and writes the mode string to the radio's AP_CHMODE.
+void mode_write(int radio, wlan_mode_info *mode);

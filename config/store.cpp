@@ -182,8 +182,7 @@ int athcfg_getbyname(int index, const char *name, char *value, size_t size) {
         snprintf(search_key, sizeof(search_key), "%s_%d=", name, index);
     }
     getWifiParam(search_key, value, size);
-    // Any index may come from a client: unsigned arithmetic has no overflow at the lowest one.
-    log_debug("[VLK-API] %s index %d, Param: %s is %s\n", __func__, static_cast<int>(index - 1U), search_key, value);
+    log_debug("[VLK-API] %s index %d, Param: %s is %s\n", __func__, interface_number(index), search_key, value);
     return value[0] != '\0' ? 0 : -1;
 }
 
@@ -201,8 +200,7 @@ int athcfg_setbyname(int index, const char *name, const char *value) {
     if (!command) {
         return -1;
     }
-    log_debug("[VLK-API] %s %s: index %d, execute cmd: %s\n", __func__, __func__, static_cast<int>(index - 1U),
-              command);
+    log_debug("[VLK-API] %s %s: index %d, execute cmd: %s\n", __func__, __func__, interface_number(index), command);
     char *output = nullptr;
     int status = athcfg_executecmd(__func__, command, &output);
     free(output);
@@ -230,6 +228,11 @@ int athcfg_get_radio(int index) {
     int radio = strchr(text, '1') ? 1 : 0;
     log_debug("[VLK-API] %s %s: index %d => radio %d\n", __func__, __func__, index, radio);
     return radio;
+}
+
+int interface_number(int index) {
+    // Unsigned arithmetic has no overflow at the lowest index.
+    return static_cast<int>(index - 1U);
 }
 
 int radio_store_index(int radio) {

@@ -37,5 +37,9 @@ int athcfg_setint(int index, const char *name, int value);
 // Radio of a VAP, 0 or 1: 1 when its AP_RADIO_ID contains the character '1', else 0. Never fails.
 int athcfg_get_radio(int index);
 
+// Number of the driver's interface of a VAP: VAP i drives ath(i-1). Defined for every index, since any may come from a
+// client.
+int interface_number(int index);
+
 // Store index of a radio's settings: the bare key for radio 1, suffix _2 for radio 0.
 int radio_store_index(int radio);

@@ -12,9 +12,8 @@
 #include "config/log.h"
 #include "config/mode.h"
 #include "config/store.h"
-
-// VAPs 1 to 8 belong to one radio's group, 9 to 16 to the other's.
-constexpr int VAPS_PER_RADIO = 8;
+#include "config/text.h"
+#include "params/settings.h"
 
 constexpr size_t MAC_TEXT_LENGTH = MAC_TEXT_SIZE - 1;
 
@@ -36,31 +35,6 @@ constexpr int UDMA_PORT_RADIO_1 = 6;
 
 // The highest channel of the 2.4 GHz band.
 constexpr u_int CHANNEL_MAX_2G = 14;
-
-// Number of the driver's interface of a VAP. Any index may come from a client: unsigned arithmetic has no overflow
-// at the lowest one.
-static int interface_number(int index) {
-    return static_cast<int>(index - 1U);
-}
-
-static void put_text(char *output, size_t size, const char *text) {
-    snprintf(output, size, "%s", text);
-}
-
-// What operations give out for an index they refuse: four zero bytes, as far as the buffer has them.
-static void put_zeros(char *output, size_t size) {
-    memset(output, 0, size < 4 ? size : 4);
-}
-
-// Copies at most `length` characters.
-static void put_characters(char *output, size_t size, const char *text, size_t length) {
-    length = strnlen(text, length);
-    if (length > size - 1) {
-        length = size - 1;
-    }
-    memcpy(output, text, length);
-    output[length] = '\0';
-}
 
 int wlan_getNumberOfEntries(int *count) {
     *count = VAP_COUNT;
@@ -340,12 +314,6 @@ static void move_to_band(bool band_2g, wlan_mode_info *mode) {
     }
 }
 
-static void write_mode(int store_index, wlan_mode_info *mode) {
-    char text[MODE_STRING_SIZE];
-    mode_compose(mode, text, sizeof(text));
-    athcfg_setbyname(store_index, "AP_CHMODE", text);
-}
-
 int wlan_setChannel(int index, u_int channel) {
     int radio = athcfg_get_radio(index);
     wlan_mode_info mode;
@@ -359,9 +327,8 @@ int wlan_setChannel(int index, u_int channel) {
     if (channel != 0) {
         move_to_band(band_2g, &mode);
     }
-    int store_index = radio_store_index(radio);
-    athcfg_setint(store_index, "AP_PRIMARY_CH", static_cast<int>(channel));
-    write_mode(store_index, &mode);
+    athcfg_setint(radio_store_index(radio), "AP_PRIMARY_CH", static_cast<int>(channel));
+    mode_write(radio, &mode);
     return 0;
 }
 
@@ -529,22 +496,9 @@ int wlan_setStandard(int index, const char *standard) {
     if (row) {
         put_text(mode.base, sizeof(mode.base), row->base[radio]);
     }
-    write_mode(store_index, &mode);
+    mode_write(radio, &mode);
     return 0;
 }
 
-int wlan_getMacAddressControlEnabled(int index, int *enabled) {
-    if (index < 0) {
-        return -1;
-    }
-    athcfg_getint(index, "AP_MACADDRCTLEN", enabled);
-    return 0;
-}
-
-int wlan_setMacAddressControlEnabled(int index, int enabled) {
-    if (index < 0) {
-        return -1;
-    }
-    athcfg_setint(index, "AP_MACADDRCTLEN", enabled);
-    return 0;
-}
+NUMBER_SETTING(wlan_getMacAddressControlEnabled, wlan_setMacAddressControlEnabled, int, "AP_MACADDRCTLEN", SCOPE_VAP,
+               CHECK_INDEX, ABSENT_ZERO, QUIET)

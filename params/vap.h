@@ -12,6 +12,9 @@
 
 constexpr int VAP_COUNT = 16;
 
+// VAPs 1 to 8 belong to one radio's group, 9 to 16 to the other's.
+constexpr int VAPS_PER_RADIO = 8;
+
 // An SSID has at most 32 characters; escaping can double them.
 constexpr size_t SSID_MAX = 32;
 

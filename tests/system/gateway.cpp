@@ -41,6 +41,19 @@ std::vector<std::string> lines_since(const char *path, size_t mark) {
     return lines;
 }
 
+strings commands_since(size_t mark, const std::string &door) {
+    strings commands;
+    for (std::string line : lines_since(JOURNAL_FILE, mark)) {
+        if (!line.starts_with(door))
+            continue;
+        line = line.substr(door.size());
+        for (size_t at = 0; (at = line.find("\\\\", at)) != std::string::npos; at++)
+            line.erase(at, 1);
+        commands.push_back(line);
+    }
+    return commands;
+}
+
 int open_client_socket() {
     int client = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     sockaddr_in server = {};
@@ -88,6 +101,46 @@ decoded_result result_of(const call_reply &reply) {
     EXPECT_EQ(result.data.size(), length);
     EXPECT_EQ(reply.result.size(), offset + 4 + (length + 3) / 4 * 4);
     return result;
+}
+
+std::ostream &operator<<(std::ostream &out, const text_result &result) {
+    return out << result.code << " \"" << result.text << '"';
+}
+
+text_result text_of(const call_reply &reply) {
+    decoded_result result = result_of(reply);
+    EXPECT_TRUE(result.data.ends_with('\0'));
+    return {result.code, result.data.substr(0, result.data.empty() ? 0 : result.data.size() - 1)};
+}
+
+std::ostream &operator<<(std::ostream &out, const number_result &result) {
+    return out << result.code << " " << result.number;
+}
+
+number_result number_of(const call_reply &reply) {
+    decoded_result result = result_of(reply);
+    EXPECT_EQ(result.values.size(), 4u);
+    return {result.code, result.values.empty() ? 0 : static_cast<int>(result.values[0])};
+}
+
+bytes vap(int index) {
+    return xdr_word(static_cast<uint32_t>(index));
+}
+
+int set_text(uint32_t procedure, int index, const std::string &text) {
+    return code_of(call(procedure, vap(index) + xdr_string_bytes(text)));
+}
+
+int set_number(uint32_t procedure, int index, uint32_t number) {
+    return code_of(call(procedure, vap(index) + xdr_word(number)));
+}
+
+text_result get_text(uint32_t procedure, int index) {
+    return text_of(call(procedure, vap(index)));
+}
+
+number_result get_number(uint32_t procedure, int index) {
+    return number_of(call(procedure, vap(index)));
 }
 
 void set_store(const std::vector<std::string> &lines) {

@@ -5,6 +5,7 @@
 
 #include <stdint.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,12 @@ void write_file(const char *path, const std::string &text);
 // Lines that a file gained since a mark, which is its size at that time.
 size_t mark_of(const char *path);
 std::vector<std::string> lines_since(const char *path, size_t mark);
+
+using strings = std::vector<std::string>;
+
+// The server's shell commands since a mark of the journal, exactly as it handed them over: those with captured output,
+// or ("system ") those without.
+strings commands_since(size_t mark, const std::string &door = "popen ");
 
 // A socket of its own to the server, so that answers to other calls cannot be mistaken for one of these.
 int open_client_socket();
@@ -35,6 +42,31 @@ struct decoded_result {
 };
 int code_of(const call_reply &reply);
 decoded_result result_of(const call_reply &reply);
+
+// Code and text of a string getter.
+struct text_result {
+    int code;
+    std::string text;
+    bool operator==(const text_result &) const = default;
+};
+std::ostream &operator<<(std::ostream &out, const text_result &result);
+text_result text_of(const call_reply &reply);
+
+// Code and number of a getter of one integer.
+struct number_result {
+    int code;
+    int number;
+    bool operator==(const number_result &) const = default;
+};
+std::ostream &operator<<(std::ostream &out, const number_result &result);
+number_result number_of(const call_reply &reply);
+
+// The usual calls: a VAP index alone, or with one text or number behind it.
+bytes vap(int index);
+int set_text(uint32_t procedure, int index, const std::string &text);
+int set_number(uint32_t procedure, int index, uint32_t number);
+text_result get_text(uint32_t procedure, int index);
+number_result get_number(uint32_t procedure, int index);
 
 // Replaces the store: header, these lines, four zero bytes.
 void set_store(const std::vector<std::string> &lines);

@@ -6,67 +6,6 @@
 
 namespace {
 
-using strings = std::vector<std::string>;
-
-// The shell commands since a mark, exactly as the server handed them over.
-strings commands_since(size_t mark) {
-    strings commands;
-    for (std::string line : lines_since(JOURNAL_FILE, mark)) {
-        if (!line.starts_with("popen "))
-            continue;
-        line = line.substr(6);
-        for (size_t at = 0; (at = line.find("\\\\", at)) != std::string::npos; at++)
-            line.erase(at, 1);
-        commands.push_back(line);
-    }
-    return commands;
-}
-
-bytes vap(int index) {
-    return xdr_word(static_cast<uint32_t>(index));
-}
-
-int set_text(uint32_t procedure, int index, const std::string &text) {
-    return code_of(call(procedure, vap(index) + xdr_string_bytes(text)));
-}
-
-int set_number(uint32_t procedure, int index, uint32_t number) {
-    return code_of(call(procedure, vap(index) + xdr_word(number)));
-}
-
-// Code and text of a string getter.
-struct text_result {
-    int code;
-    std::string text;
-    bool operator==(const text_result &) const = default;
-};
-
-std::ostream &operator<<(std::ostream &out, const text_result &result) {
-    return out << result.code << " \"" << result.text << '"';
-}
-
-text_result get_text(uint32_t procedure, int index) {
-    decoded_result result = result_of(call(procedure, vap(index)));
-    EXPECT_TRUE(result.data.ends_with('\0'));
-    return {result.code, result.data.substr(0, result.data.size() - 1)};
-}
-
-struct number_result {
-    int code;
-    int number;
-    bool operator==(const number_result &) const = default;
-};
-
-std::ostream &operator<<(std::ostream &out, const number_result &result) {
-    return out << result.code << " " << result.number;
-}
-
-number_result get_number(uint32_t procedure, int index) {
-    decoded_result result = result_of(call(procedure, vap(index)));
-    EXPECT_EQ(result.values.size(), 4u);
-    return {result.code, static_cast<int>(result.values.at(0))};
-}
-
 class Vap : public testing::Test {
 protected:
     void SetUp() override {

@@ -69,4 +69,14 @@ TEST_F(Log, AnErrorLineGoesToStandardErrorWithoutTheSwitchFile) {
     EXPECT_EQ(printed.out, "");
 }
 
+TEST_F(Log, SomeLinesAreWrittenWhateverTheSwitch) {
+    printed_text printed = capture([] {
+        log_always("first %d\n", 1);
+        set_debug(true);
+        log_always("second\n");
+    });
+    EXPECT_EQ(printed.out, "first 1\nsecond\n");
+    EXPECT_EQ(printed.err, "");
+}
+
 }  // namespace

@@ -10,13 +10,10 @@
 #include <vector>
 
 #include "config/store.h"
+#include "tests/support/outputs.h"
 #include "tests/support/platform.h"
 
 namespace {
-
-using calls = std::vector<std::string>;
-
-constexpr size_t TEXT_SIZE = STORE_VALUE_SIZE;
 
 // What iwconfig and ifconfig print about an interface, shortened.
 std::string ifconfig_output(const std::string &address) {
@@ -49,49 +46,6 @@ struct Vap : testing::Test {
         set_tool_answer("ifconfig", "ath" + std::to_string(index - 1), ifconfig_output(address));
     }
 };
-
-// A buffer that shows what was written into it.
-struct text_buffer {
-    char text[TEXT_SIZE];
-
-    text_buffer() {
-        memset(text, '?', sizeof(text));
-        text[sizeof(text) - 1] = '\0';
-    }
-
-    bool begins_with_zeros_only(size_t count) const {
-        for (size_t i = 0; i < count; i++) {
-            if (text[i] != '\0') {
-                return false;
-            }
-        }
-        return text[count] == '?';
-    }
-};
-
-template <typename Getter>
-std::string text_of(Getter getter, int index) {
-    text_buffer buffer;
-    EXPECT_EQ(getter(index, buffer.text, sizeof(buffer.text)), 0) << "index " << index;
-    return buffer.text;
-}
-
-template <typename Getter>
-int number_of(Getter getter, int index) {
-    int number = 99;
-    EXPECT_EQ(getter(index, &number), 0) << "index " << index;
-    return number;
-}
-
-template <typename Block>
-std::string debug_lines(Block block) {
-    set_debug(true);
-    return capture(block).out;
-}
-
-bool contains(const std::string &text, const std::string &part) {
-    return text.find(part) != std::string::npos;
-}
 
 // --- entries ---
 
