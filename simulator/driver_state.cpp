@@ -18,13 +18,16 @@ double driver_clock(void) {
 static void read_state_line(driver_state *state, const char *line) {
     int number;
     unsigned channel;
-    double since;
+    double time;
     if (strcmp(line, "loaded\n") == 0)
         state->loaded = true;
-    else if (sscanf(line, "up ath%d %lf", &number, &since) == 2 && number >= 0 && number < SCENARIO_VAPS)
-        state->vaps[number] = {true, since};
+    else if (sscanf(line, "up ath%d %lf", &number, &time) == 2 && number >= 0 && number < SCENARIO_VAPS)
+        state->vaps[number] = {true, time};
     else if (sscanf(line, "channel wifi%d %u", &number, &channel) == 2 && number >= 0 && number < SCENARIO_RADIOS)
         state->channel[number] = channel;
+    else if (sscanf(line, "switch wifi%d %u %lf", &number, &channel, &time) == 3 && number >= 0 &&
+             number < SCENARIO_RADIOS)
+        state->announced[number] = {channel, time};
 }
 
 void driver_state_read(driver_state *state) {
@@ -53,6 +56,8 @@ int driver_state_write(const driver_state *state) {
     for (int i = 0; i < SCENARIO_RADIOS; i++) {
         if (state->channel[i] != 0)
             fprintf(file, "channel wifi%d %u\n", i, state->channel[i]);
+        if (state->announced[i].channel != 0)
+            fprintf(file, "switch wifi%d %u %.6f\n", i, state->announced[i].channel, state->announced[i].at);
     }
     if (fclose(file) != 0)
         return -1;
@@ -69,6 +74,22 @@ bool driver_has_interface(const driver_state *state, const char *name) {
     if (vap >= 0)
         return state->vaps[vap].up;
     return radio_of_device(name) >= 0 && state->loaded;
+}
+
+unsigned driver_channel(const driver_state *state, int radio) {
+    const driver_switch *announced = &state->announced[radio];
+    return announced->channel != 0 && driver_clock() >= announced->at ? announced->channel : state->channel[radio];
+}
+
+void driver_choose_channel(driver_state *state, int radio, unsigned channel) {
+    state->channel[radio] = channel;
+    state->announced[radio] = {};
+}
+
+void driver_announce_channel(driver_state *state, int radio, unsigned channel, double at) {
+    // Until then the radio stays where it is, which may be where an earlier announcement led it.
+    state->channel[radio] = driver_channel(state, radio);
+    state->announced[radio] = {channel, at};
 }
 
 // A decimal setting of the store, 0 when absent.
@@ -95,7 +116,7 @@ void driver_bring_up(driver_state *state, const scenario *scene, const char *sto
             state->vaps[i].since = driver_clock();
         state->vaps[i].up = wanted;
     }
-    for (unsigned &channel : state->channel)
-        channel = 0;
+    for (int i = 0; i < SCENARIO_RADIOS; i++)
+        driver_choose_channel(state, i, 0);
     store_free(&store);
 }

@@ -1,4 +1,5 @@
-// What the simulated driver remembers: whether it is loaded, which VAPs are up, which channel was chosen for a radio.
+// What the simulated driver remembers: whether it is loaded, which VAPs are up, which channel was chosen or announced
+// for a radio. What its private commands set is kept elsewhere, in driver_parameters.
 //
 // Touches /run/gateway/driver (text, readable in a shell) and the lock beside it. Written by the tools and scripts,
 // read by them and by the preloaded library in any thread of the server.
@@ -11,13 +12,20 @@ struct driver_vap {
     double since;  // seconds on the boot clock when it came up; its counters run from there
 };
 
+// A channel switch that is being announced to the stations, or was.
+struct driver_switch {
+    unsigned channel;  // 0 when there is none
+    double at;         // on the boot clock, when the radio moves
+};
+
 struct driver_state {
     bool loaded;
     driver_vap vaps[SCENARIO_VAPS];
-    unsigned channel[SCENARIO_RADIOS];  // chosen with "channel auto", 0 when the store says it
+    unsigned channel[SCENARIO_RADIOS];  // chosen by hand, 0 when the store says it
+    driver_switch announced[SCENARIO_RADIOS];
 };
 
-// Seconds on the clock that `since` uses.
+// Seconds on the clock that `since` and `at` use.
 double driver_clock(void);
 
 // Reads the state; without a file nothing is loaded.
@@ -33,6 +41,13 @@ int driver_state_lock(void);
 // Whether a wireless interface is there: athN when its VAP is up, wifiN when the driver is loaded. Names that are
 // neither are not there.
 bool driver_has_interface(const driver_state *state, const char *name);
+
+// The channel that was last given to a radio and that it has taken up; 0 when the store says it.
+unsigned driver_channel(const driver_state *state, int radio);
+
+// Gives a radio a channel: at once, which ends an announcement, or at a time on the boot clock.
+void driver_choose_channel(driver_state *state, int radio, unsigned channel);
+void driver_announce_channel(driver_state *state, int radio, unsigned channel, double at);
 
 // Brings up every VAP that the store enables (AP_ENABLE) on a radio that the store enables (AP_RADIO_ENABLED), takes
 // the others down and forgets chosen channels: what the driver does when it is started.

@@ -16,6 +16,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "simulator/authenticator/restart.h"
+#include "simulator/driver_parameters.h"
 #include "simulator/driver_state.h"
 #include "simulator/initial_store.h"
 #include "simulator/internal_address.h"
@@ -24,6 +26,7 @@
 #include "simulator/private_root.h"
 #include "simulator/scenario.h"
 #include "simulator/services.h"
+#include "simulator/wps_files.h"
 
 struct options {
     char home[PATH_MAX];  // the launcher's own folder in the build tree
@@ -191,18 +194,30 @@ static bool copy_scenario(const char *text, size_t length) {
            write_file(GATEWAY_JOURNAL, "", 0) && write_file(GATEWAY_SCENARIO, text, length);
 }
 
-// The store and the state of the driver that the scenario begins with.
-static bool lay_down_state(const scenario *scene) {
+// The store, the WPS files and the state of the driver that the scenario begins with.
+static bool lay_down_state(const scenario *scene, driver_state *state) {
     store_text store;
     bool laid = initial_store(scene, &store) == 0 && store_save(APCFG_STORE, &store) == 0;
     store_free(&store);
     if (!laid)
         return complain(APCFG_STORE, strerror(errno));
-    driver_state state = {};
-    state.loaded = scene->driver != DRIVER_UNLOADED;
-    if (scene->driver == DRIVER_UP)
-        driver_bring_up(&state, scene, APCFG_STORE);
-    return driver_state_write(&state) == 0 || complain(GATEWAY_DRIVER_STATE, strerror(errno));
+    if (wps_files_prepare(scene, APCFG_STORE) != 0)
+        return complain(WPS_DIRECTORY, strerror(errno));
+    state->loaded = scene->driver != DRIVER_UNLOADED;
+    if (scene->driver == DRIVER_UP) {
+        driver_bring_up(state, scene, APCFG_STORE);
+        if (driver_parameters_load(state, scene, APCFG_STORE) != 0)
+            return complain(GATEWAY_PARAMETERS, strerror(errno));
+    }
+    return driver_state_write(state) == 0 || complain(GATEWAY_DRIVER_STATE, strerror(errno));
+}
+
+// What runs beside the driver when nobody has called a script yet. An authenticator that does not start is a gateway
+// without one, as on a real one: its log says why.
+static bool start_services(const options *given, const driver_state *state, scenario_driver driver) {
+    if (driver == DRIVER_UP && authenticator_start(state, APCFG_STORE) != 0)
+        fprintf(stderr, "vlk_simulated_gateway: %s does not run; %s says why\n", HOSTAPD_PROGRAM, GATEWAY_HOSTAPD_LOG);
+    return start_portmapper() && start_server(given->server, given->driver);
 }
 
 static bool set_up_network(void) {
@@ -240,8 +255,9 @@ static bool build_gateway(const options *given, const scenario *scene, const cha
     umask(022);
     allow_giving_up_groups();
     gateway_programs links = {given->client, given->rpcbind, given->rpcinfo, given->tools};
+    driver_state state = {};
     return enter_private_root(&kept, &links) && set_up_network() && copy_scenario(text, length) &&
-           lay_down_state(scene) && (given->bare || (start_portmapper() && start_server(given->server, given->driver)));
+           lay_down_state(scene, &state) && (given->bare || start_services(given, &state, scene->driver));
 }
 
 static const char GREETING[] =

@@ -266,6 +266,24 @@ static bool place_programs(const gateway_programs *programs) {
     return place_link(programs->client, "/usr/sbin/vlk_rpc_wlan_config_client");
 }
 
+// The gateway's ps lists every process, as that of a small system does; the host's, unless told otherwise, only those
+// of the caller's terminal: daemons would not show in a shell, nor in whatever was started from one.
+static bool place_process_list(void) {
+    static const char own[] = "/usr/sbin/ps";
+    char path[PATH_MAX];
+    char text[PATH_MAX + 128];
+    const char *name = realpath("/bin/ps", path) != nullptr ? strrchr(path, '/') : nullptr;
+    // A host of one program for everything has the other kind of ps already.
+    if (name == nullptr || strcmp(name, "/ps") != 0)
+        return true;
+    snprintf(text, sizeof text, "#!/bin/sh\n[ $# -gt 0 ] || set -- -e\nexec %s%s \"$@\"\n", HOST_ROOT, path);
+    if (!place_file(own, text))
+        return false;
+    if (chmod(own, 0755) != 0 || mount(own, path, nullptr, MS_BIND, nullptr) != 0)
+        return refused("a bind mount", CONTAINER_REMEDY);
+    return true;
+}
+
 // What of the board's bus the server writes to: plain files that keep what was written last.
 static bool place_board(void) {
     return make_directories("/sys/bus/pci/slots/0000:02:00.0") && make_directories("/sys/bus/pci/slots/0000:03:00.0") &&
@@ -279,5 +297,5 @@ bool enter_private_root(const kept_directories *kept, const gateway_programs *pr
         return false;
     make_host_read_only();
     return adopt_host() && make_own_directories(kept) && cover_host_directories() && make_farms() && place_users() &&
-           place_services() && place_programs(programs) && place_board();
+           place_services() && place_programs(programs) && place_process_list() && place_board();
 }

@@ -1,227 +1,13 @@
 #include "simulator/scenario.h"
 
-#include <arpa/inet.h>
 #include <ctype.h>
 #include <errno.h>
 #include <limits.h>
-#include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
-// One line of a scenario, cut into its words.
-constexpr int MOST_WORDS = 16;         // the longest item has fewer
-constexpr size_t LONGEST_LINE = 1024;  // a setting with key and value, and a margin
-
-struct scenario_reader {
-    scenario *scene;
-    const char *name;
-    int line;
-    int vap_line[SCENARIO_VAPS];  // where a VAP was declared, for what can only be judged at the end
-    char *error;
-    size_t error_size;
-    char text[LONGEST_LINE + 1];  // the line
-    char *words[MOST_WORDS];      // its words, pointing into text
-    int word_count;
-};
-
-static bool complain(scenario_reader *reader, const char *format, ...) __attribute__((format(printf, 2, 3)));
-
-// Always false, so that a parser can end with it.
-static bool complain(scenario_reader *reader, const char *format, ...) {
-    char message[256];
-    va_list arguments;
-    va_start(arguments, format);
-    vsnprintf(message, sizeof message, format, arguments);
-    va_end(arguments);
-    snprintf(reader->error, reader->error_size, "%s:%d: %s", reader->name, reader->line, message);
-    return false;
-}
-
-// Words.
-
-// Cuts the text into words at blanks; a part in double quotes keeps its blanks and loses its quotes.
-static bool cut_words(scenario_reader *reader) {
-    char *from = reader->text, *to = reader->text;
-    reader->word_count = 0;
-    while (true) {
-        from += strspn(from, " \t");
-        if (*from == '\0')
-            return true;
-        if (reader->word_count == MOST_WORDS)
-            return complain(reader, "too many words");
-        reader->words[reader->word_count++] = to;
-        bool quoted = false;
-        for (; *from != '\0' && (quoted || (*from != ' ' && *from != '\t')); from++) {
-            if (*from == '"')
-                quoted = !quoted;
-            else
-                *to++ = *from;
-        }
-        if (quoted)
-            return complain(reader, "a quote is not closed");
-        // The NUL may overwrite the blank that ended the word, so step over it first.
-        bool last = *from == '\0';
-        *to++ = '\0';
-        if (last)
-            return true;
-        from++;
-    }
-}
-
-static bool parse_number(const char *text, unsigned long most, unsigned long *number) {
-    if (!isdigit((unsigned char)text[0]))
-        return false;
-    char *end;
-    errno = 0;
-    *number = strtoul(text, &end, 0);
-    return errno == 0 && *end == '\0' && *number <= most;
-}
-
-static bool parse_integer(const char *text, long least, long most, int *number) {
-    char *end;
-    errno = 0;
-    long value = strtol(text, &end, 10);
-    if (errno != 0 || end == text || *end != '\0' || value < least || value > most)
-        return false;
-    *number = (int)value;
-    return true;
-}
-
-static bool parse_mac(const char *text, char *mac) {
-    if (strlen(text) != MAC_TEXT_SIZE - 1)
-        return false;
-    for (size_t i = 0; i < MAC_TEXT_SIZE - 1; i++) {
-        bool good = i % 3 == 2 ? text[i] == ':' : isxdigit((unsigned char)text[i]) != 0;
-        if (!good)
-            return false;
-    }
-    memcpy(mac, text, MAC_TEXT_SIZE);
-    return true;
-}
-
-// "START" or "START+PER_SECOND".
-static bool parse_counter(const char *text, scenario_counter *counter) {
-    char start[24];
-    const char *plus = strchr(text, '+');
-    size_t length = plus != nullptr ? (size_t)(plus - text) : strlen(text);
-    if (length >= sizeof start)
-        return false;
-    memcpy(start, text, length);
-    start[length] = '\0';
-    unsigned long value = 0, speed = 0;
-    if (!parse_number(start, ULONG_MAX, &value) || (plus != nullptr && !parse_number(plus + 1, 1UL << 40, &speed)))
-        return false;
-    counter->start = value;
-    counter->per_second = speed;
-    return true;
-}
-
-// A day at most: "0.5", "2".
-static bool parse_seconds(const char *text, double *seconds) {
-    char *end;
-    if (!isdigit((unsigned char)text[0]))
-        return false;
-    *seconds = strtod(text, &end);
-    return *end == '\0' && *seconds <= 86400;
-}
-
-static bool copy_text(const char *text, char *out, size_t size) {
-    if (strlen(text) >= size)
-        return false;
-    memcpy(out, text, strlen(text) + 1);
-    return true;
-}
-
-// Fields "name=value" behind the words that lead an item.
-
-enum field_kind {
-    FIELD_MAC,
-    FIELD_SSID,
-    FIELD_WORD,
-    FIELD_INTEGER,
-    FIELD_FLAG,
-    FIELD_NUMBER,
-    FIELD_ADDRESS,
-    FIELD_COUNTER
-};
-
-struct field {
-    const char *name;
-    void *target;
-    int64_t least, most;  // of integers and numbers
-    field_kind kind;
-    bool required;
-    bool seen;
-};
-
-static bool parse_field(const field *wanted, const char *value) {
-    unsigned long number;
-    unsigned char address[4];
-    switch (wanted->kind) {
-        case FIELD_MAC:
-            return parse_mac(value, (char *)wanted->target);
-        case FIELD_SSID:
-            return copy_text(value, (char *)wanted->target, SSID_SIZE);
-        case FIELD_WORD:
-            return *value != '\0' && copy_text(value, (char *)wanted->target, SCENARIO_WORD_SIZE);
-        case FIELD_INTEGER:
-            return parse_integer(value, wanted->least, wanted->most, (int *)wanted->target);
-        case FIELD_FLAG:
-            *(bool *)wanted->target = value[0] == '1';
-            return strcmp(value, "0") == 0 || strcmp(value, "1") == 0;
-        case FIELD_NUMBER:
-            if (!parse_number(value, (unsigned long)wanted->most, &number) || (int64_t)number < wanted->least)
-                return false;
-            *(unsigned *)wanted->target = (unsigned)number;
-            return true;
-        case FIELD_ADDRESS:
-            return inet_pton(AF_INET, value, address) == 1 && copy_text(value, (char *)wanted->target, 16);
-        case FIELD_COUNTER:
-            return parse_counter(value, (scenario_counter *)wanted->target);
-    }
-    return false;
-}
-
-static field *find_field(field *fields, int count, const char *name, size_t length) {
-    for (int i = 0; i < count; i++) {
-        if (strlen(fields[i].name) == length && strncmp(fields[i].name, name, length) == 0)
-            return &fields[i];
-    }
-    return nullptr;
-}
-
-// Reads the words from `first` on as fields.
-static bool read_fields(scenario_reader *reader, int first, field *fields, int count) {
-    for (int i = first; i < reader->word_count; i++) {
-        char *word = reader->words[i];
-        size_t length = strcspn(word, "=");
-        if (word[length] == '\0')
-            return complain(reader, "\"%s\" is no name=value", word);
-        field *wanted = find_field(fields, count, word, length);
-        if (wanted == nullptr)
-            return complain(reader, "%s has no \"%.*s\"", reader->words[0], (int)length, word);
-        if (wanted->seen)
-            return complain(reader, "%s stands twice", wanted->name);
-        wanted->seen = true;
-        if (!parse_field(wanted, word + length + 1))
-            return complain(reader, "\"%s\" is no good value for %s", word + length + 1, wanted->name);
-    }
-    for (int i = 0; i < count; i++) {
-        if (fields[i].required && !fields[i].seen)
-            return complain(reader, "%s needs %s=", reader->words[0], fields[i].name);
-    }
-    return true;
-}
-
-// Reads word number `position` as an integer in a range.
-static bool read_position(scenario_reader *reader, int position, const char *what, int least, int most, int *number) {
-    if (position >= reader->word_count)
-        return complain(reader, "%s needs a %s", reader->words[0], what);
-    if (!parse_integer(reader->words[position], least, most, number))
-        return complain(reader, "\"%s\" is no %s from %d to %d", reader->words[position], what, least, most);
-    return true;
-}
+#include "simulator/scenario_reader.h"
 
 // Items, one function each.
 
@@ -353,6 +139,69 @@ static bool read_neighbour(scenario_reader *reader) {
     return true;
 }
 
+// Whether the fields of a VAP's wps item say together what becomes of an exchange.
+static bool check_wps(scenario_reader *reader, scenario_wps *wps, const char *result, bool has_seconds, bool has_mac) {
+    static const char *const results[] = {"timeout", "success", "failed"};
+    for (int i = 0; i < 3; i++) {
+        if (strcmp(result, results[i]) != 0)
+            continue;
+        wps->result = (scenario_wps_result)i;
+        if (wps->result != WPS_RUNS_OUT && !has_seconds)
+            return complain(reader, "wps needs seconds= with result=%s", result);
+        return wps->result != WPS_SUCCEEDS || has_mac || complain(reader, "wps needs mac= with result=success");
+    }
+    return complain(reader, "result is success, failed or timeout, not \"%s\"", result);
+}
+
+// A line of a VAP's WPS file: "friendly_name=Living room".
+static bool read_wps_line(scenario_reader *reader, int vap, const char *word) {
+    scenario *scene = reader->scene;
+    scenario_wps_line *line = &scene->wps_lines[scene->wps_line_count];
+    size_t length = strcspn(word, "=");
+    if (length == 0 || length >= sizeof line->key || strcspn(word, " \t") < length)
+        return complain(reader, "\"%.*s\" is no key of a WPS file", (int)length, word);
+    memcpy(line->key, word, length);
+    line->key[length] = '\0';
+    for (int i = 0; i < scene->wps_line_count; i++) {
+        if (scene->wps_lines[i].vap == vap && strcmp(scene->wps_lines[i].key, line->key) == 0)
+            return complain(reader, "%s stands twice", line->key);
+    }
+    if (!copy_text(word + length + 1, line->value, sizeof line->value))
+        return complain(reader, "a value has at most %zu characters", sizeof line->value - 1);
+    line->vap = vap;
+    scene->wps_line_count++;
+    return true;
+}
+
+// wps 1 seconds=3 result=success mac=28:6A:BA:4C:10:03 friendly_name="Living room"
+static bool read_wps(scenario_reader *reader) {
+    int number = 0;
+    if (!read_position(reader, 1, "VAP", 1, SCENARIO_VAPS, &number))
+        return false;
+    scenario_wps *wps = &reader->scene->vaps[number - 1].wps;
+    if (!reader->scene->vaps[number - 1].declared)
+        return complain(reader, "VAP %d is not declared yet", number);
+    if (wps->declared)
+        return complain(reader, "wps of VAP %d stands twice", number);
+    wps->declared = true;
+    char result[SCENARIO_WORD_SIZE] = "timeout";
+    field fields[] = {
+        {"seconds", &wps->seconds, 0, 0, FIELD_SECONDS, false, false},
+        {"result", result, 0, 0, FIELD_WORD, false, false},
+        {"mac", wps->mac, 0, 0, FIELD_MAC, false, false},
+    };
+    // Every other name is a line of the VAP's WPS file.
+    for (int i = 2; i < reader->word_count; i++) {
+        const char *word = reader->words[i];
+        field *wanted = find_field(fields, 3, word);
+        bool good = is_assignment(reader, word) &&
+                    (wanted != nullptr ? read_field(reader, wanted, word) : read_wps_line(reader, number, word));
+        if (!good)
+            return false;
+    }
+    return check_wps(reader, wps, result, fields[0].seen, fields[2].seen);
+}
+
 // script apup seconds=0.5
 static bool read_script(scenario_reader *reader) {
     static const char *const names[SCENARIO_SCRIPTS] = {"apup", "apup_simple", "fast_down.sh"};
@@ -416,8 +265,9 @@ struct item {
 };
 
 static const item items[] = {
-    {"radio", read_radio},     {"channel", read_channel},     {"vap", read_vap},       {"counters", read_counters},
-    {"station", read_station}, {"neighbour", read_neighbour}, {"script", read_script}, {"driver", read_driver},
+    {"radio", read_radio},       {"channel", read_channel}, {"vap", read_vap},
+    {"counters", read_counters}, {"station", read_station}, {"neighbour", read_neighbour},
+    {"wps", read_wps},           {"script", read_script},   {"driver", read_driver},
 };
 
 static bool starts_with_word(const char *text, const char *word) {
@@ -536,6 +386,18 @@ int vap_of_interface(const char *name) {
 
 int radio_of_device(const char *name) {
     return number_behind(name, "wifi", SCENARIO_RADIOS - 1);
+}
+
+bool copy_mac(const char *text, char *mac) {
+    if (strlen(text) != MAC_TEXT_SIZE - 1)
+        return false;
+    for (size_t i = 0; i < MAC_TEXT_SIZE - 1; i++) {
+        bool good = i % 3 == 2 ? text[i] == ':' : isxdigit((unsigned char)text[i]) != 0;
+        if (!good)
+            return false;
+    }
+    memcpy(mac, text, MAC_TEXT_SIZE);
+    return true;
 }
 
 const scenario_channel *scenario_find_channel(const scenario_radio *radio, unsigned number) {

@@ -16,6 +16,7 @@ constexpr int SCENARIO_STATIONS = 127 * SCENARIO_VAPS;  // the driver counts sta
 constexpr int SCENARIO_NEIGHBOURS = 512;                // twice what the one-byte count of a scan table can say
 constexpr int SCENARIO_SETTINGS = 1024;                 // several times a real store
 constexpr int SCENARIO_SCRIPTS = 3;                     // apup, apup_simple, fast_down.sh
+constexpr int SCENARIO_WPS_LINES = 14 * SCENARIO_VAPS;  // an item a VAP, with as many words as an item has behind two
 
 constexpr size_t MAC_TEXT_SIZE = 18;  // "00:03:7F:10:00:01"
 constexpr size_t SSID_SIZE = 33;      // 32 characters, as 802.11 has it
@@ -44,6 +45,23 @@ struct scenario_counter {
     uint64_t per_second;
 };
 
+// What becomes of a WPS exchange: no peer comes until it times out, or one comes and it succeeds or fails.
+enum scenario_wps_result { WPS_RUNS_OUT, WPS_SUCCEEDS, WPS_FAILS };
+
+struct scenario_wps {
+    bool declared;
+    scenario_wps_result result;
+    double seconds;           // until the peer's result; of no meaning when the exchange times out
+    char mac[MAC_TEXT_SIZE];  // the peer, empty when it is not given
+};
+
+// A line of a VAP's WPS file, in the place of the one that the file has anyway, or beyond those.
+struct scenario_wps_line {
+    int vap;  // 1 to 16
+    char key[SETTING_KEY_SIZE];
+    char value[SETTING_VALUE_SIZE];
+};
+
 struct scenario_vap {
     bool declared;
     int radio;
@@ -51,6 +69,7 @@ struct scenario_vap {
     char bssid[MAC_TEXT_SIZE];
     char ssid[SSID_SIZE];
     scenario_counter rx_packets, tx_packets, rx_bytes, tx_bytes;
+    scenario_wps wps;
 };
 
 struct scenario_station {
@@ -95,6 +114,8 @@ struct scenario {
     int neighbour_count;
     scenario_setting settings[SCENARIO_SETTINGS];
     int setting_count;
+    scenario_wps_line wps_lines[SCENARIO_WPS_LINES];
+    int wps_line_count;
     scenario_script scripts[SCENARIO_SCRIPTS];
     int script_count;
 };
@@ -116,6 +137,9 @@ int vap_of_interface(const char *name);
 
 // Number of a radio's device name: 0 or 1 for "wifi0" or "wifi1", else -1.
 int radio_of_device(const char *name);
+
+// Copies a MAC address, MAC_TEXT_SIZE bytes with its NUL, when the text is one ("28:6A:BA:4C:10:01"). Else false.
+bool copy_mac(const char *text, char *mac);
 
 // The channel with this number of a radio, null when it has none.
 const scenario_channel *scenario_find_channel(const scenario_radio *radio, unsigned number);

@@ -34,12 +34,9 @@ static char *read_whole(int file, size_t *length) {
     return content;
 }
 
-// Keeps the lines of a file's content: what stands behind the header, up to the first zero byte.
-static int take_lines(const char *content, size_t length, store_text *store) {
-    if (length < STORE_HEADER_LENGTH)
-        return 0;
-    const char *lines = content + STORE_HEADER_LENGTH;
-    size_t size = strnlen(lines, length - STORE_HEADER_LENGTH);
+// Keeps the lines of a text: up to the first zero byte.
+static int take_lines(const char *lines, size_t length, store_text *store) {
+    size_t size = strnlen(lines, length);
     store->text = (char *)malloc(size + 1);
     if (store->text == nullptr)
         return -1;
@@ -51,20 +48,29 @@ static int take_lines(const char *content, size_t length, store_text *store) {
     return 0;
 }
 
-int store_load(const char *path, store_text *store) {
+// Reads the lines that stand behind a header of this length; a file without a whole header has none.
+static int load(const char *path, size_t header_length, store_text *store) {
     store->text = nullptr;
     store->length = 0;
     int file = open(path, O_RDONLY | O_CLOEXEC);
     if (file < 0)
-        return errno == ENOENT ? 0 : -1;
+        return -1;
     size_t length = 0;
     char *content = read_whole(file, &length);
     close(file);
     if (content == nullptr)
         return -1;
-    int result = take_lines(content, length, store);
+    int result = length < header_length ? 0 : take_lines(content + header_length, length - header_length, store);
     free(content);
     return result;
+}
+
+int store_load(const char *path, store_text *store) {
+    return load(path, STORE_HEADER_LENGTH, store) == 0 || errno == ENOENT ? 0 : -1;
+}
+
+int lines_load(const char *path, store_text *lines) {
+    return load(path, 0, lines);
 }
 
 static bool write_whole(int file, const char *bytes, size_t length) {
@@ -78,18 +84,26 @@ static bool write_whole(int file, const char *bytes, size_t length) {
     return true;
 }
 
-int store_save(const char *path, const store_text *store) {
+static int save(const char *path, const char *header, const store_text *store, size_t end_length) {
     static const char end[STORE_END_LENGTH] = {0, 0, 0, 0};
     char beside[PATH_MAX];
     snprintf(beside, sizeof beside, "%s.new", path);
     int file = open(beside, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (file < 0)
         return -1;
-    bool written = write_whole(file, STORE_HEADER, STORE_HEADER_LENGTH) &&
-                   write_whole(file, store->text, store->length) && write_whole(file, end, sizeof end);
+    bool written = write_whole(file, header, strlen(header)) && write_whole(file, store->text, store->length) &&
+                   write_whole(file, end, end_length);
     if (close(file) != 0 || !written)
         return -1;
     return rename(beside, path);
+}
+
+int store_save(const char *path, const store_text *store) {
+    return save(path, STORE_HEADER, store, STORE_END_LENGTH);
+}
+
+int lines_save(const char *path, const store_text *lines) {
+    return save(path, "", lines, 0);
 }
 
 void store_free(store_text *store) {

@@ -1,8 +1,9 @@
-// The driver's store as its own tool sees it: the file as a whole, read, changed and written back.
+// The driver's store as its own tool sees it: the file as a whole, read, changed and written back. Other files that
+// are made of lines KEY=VALUE are handled by the same functions.
 //
 // Touches the file it is given. The tool `cfg`, the launcher (which lays the first store down) and the simulated
-// driver use it. Format: a 4-byte header, lines KEY=VALUE with LF, 4 zero bytes. What follows the first zero byte
-// behind the header is not content: a rewritten store may be shorter than the file.
+// driver use it. Format of a store: a 4-byte header, lines KEY=VALUE with LF, 4 zero bytes. What follows the first zero
+// byte behind the header is not content: a rewritten store may be shorter than the file.
 #pragma once
 
 #include <stddef.h>
@@ -26,6 +27,11 @@ int store_load(const char *path, store_text *store);
 int store_save(const char *path, const store_text *store);
 
 void store_free(store_text *store);
+
+// The same for a plain file of lines KEY=VALUE, without header and end. For lines_load a file that is not there is a
+// failure like any other.
+int lines_load(const char *path, store_text *lines);
+int lines_save(const char *path, const store_text *lines);
 
 // The value of a key's first line and its length, null when the key is not there. It points into the store.
 const char *store_find(const store_text *store, const char *key, size_t *length);

@@ -7,59 +7,12 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <unistd.h>
 
-#include "simulator/driver_state.h"
-#include "simulator/paths.h"
-#include "simulator/store.h"
+#include "simulator/tools/interface.h"
 #include "simulator/tools/tools.h"
 
 // What the tools return for an interface that is not there: the error number of "no such device", negated.
 constexpr int STATUS_NO_DEVICE = 256 - ENODEV;
-
-struct interface {
-    const char *name;
-    int vap;  // 0 to 15
-    scenario *scene;
-    driver_state state;
-};
-
-// Reads the model. False when the interface is not up.
-static bool look_up(interface *wanted, const char *name) {
-    char error[SCENARIO_ERROR_SIZE];
-    wanted->name = name;
-    wanted->scene = nullptr;
-    driver_state_read(&wanted->state);
-    wanted->vap = vap_of_interface(name);
-    if (wanted->vap < 0 || !wanted->state.vaps[wanted->vap].up)
-        return false;
-    wanted->scene = scenario_new(GATEWAY_SCENARIO, error, sizeof error);
-    if (wanted->scene == nullptr)
-        fprintf(stderr, "%s\n", error);
-    return wanted->scene != nullptr && wanted->scene->vaps[wanted->vap].declared;
-}
-
-static const scenario_vap *vap_of(const interface *wanted) {
-    return &wanted->scene->vaps[wanted->vap];
-}
-
-// A setting of the interface's radio: the bare key for radio 1, suffix _2 for radio 0.
-static void radio_setting(const interface *wanted, const char *name, char *value, size_t size) {
-    char key[SETTING_KEY_SIZE];
-    store_key(name, vap_of(wanted)->radio == 1 ? 1 : 2, key, sizeof key);
-    store_value(APCFG_STORE, key, value, size);
-}
-
-// The channel that the radio works on: the one chosen by hand, else the store's, else (automatic) the quietest.
-static unsigned current_channel(const interface *wanted) {
-    int radio = vap_of(wanted)->radio;
-    if (wanted->state.channel[radio] != 0)
-        return wanted->state.channel[radio];
-    char value[SETTING_VALUE_SIZE];
-    radio_setting(wanted, "AP_PRIMARY_CH", value, sizeof value);
-    int channel = atoi(value);
-    return channel > 0 ? (unsigned)channel : scenario_quietest_channel(wanted->scene, radio);
-}
 
 // A mode of the store with the name and the rate that the tool shows for it.
 struct mode_name {
@@ -77,33 +30,21 @@ static const mode_name mode_names[] = {
 
 static const mode_name *current_mode(const interface *wanted) {
     char value[SETTING_VALUE_SIZE];
-    radio_setting(wanted, "AP_CHMODE", value, sizeof value);
+    interface_radio_setting(wanted, "AP_CHMODE", value, sizeof value);
     for (const mode_name &mode : mode_names) {
         if (strncmp(value, mode.begins, strlen(mode.begins)) == 0)
             return &mode;
     }
     // A mode string that the driver does not know leaves it in the plain mode of its band.
-    return &mode_names[wanted->scene->radios[vap_of(wanted)->radio].five_ghz ? 7 : 8];
-}
-
-// "2.437", "5.18", "5.2": three places without the zeros at their end.
-static void frequency_text(unsigned megahertz, char *text, size_t size) {
-    snprintf(text, size, "%u.%03u", megahertz / 1000, megahertz % 1000);
-    for (size_t length = strlen(text); length > 0 && text[length - 1] == '0'; length--)
-        text[length - 1] = '\0';
-    size_t length = strlen(text);
-    if (length > 0 && text[length - 1] == '.')
-        text[length - 1] = '\0';
+    return &mode_names[interface_radio(wanted)->five_ghz ? 7 : 8];
 }
 
 static void print_wireless(const interface *wanted) {
-    char key[SETTING_KEY_SIZE];
     char ssid[SETTING_VALUE_SIZE];
     char frequency[16];
-    store_key("AP_SSID", wanted->vap + 1, key, sizeof key);
-    store_value(APCFG_STORE, key, ssid, sizeof ssid);
-    const scenario_radio *radio = &wanted->scene->radios[vap_of(wanted)->radio];
-    const scenario_channel *channel = scenario_find_channel(radio, current_channel(wanted));
+    interface_setting(wanted, "AP_SSID", ssid, sizeof ssid);
+    const scenario_radio *radio = interface_radio(wanted);
+    const scenario_channel *channel = scenario_find_channel(radio, interface_channel(wanted));
     const mode_name *mode = current_mode(wanted);
     printf("%-9s IEEE %s  ESSID:\"%s\"  \n", wanted->name, mode->protocol, ssid);
     fputs("          Mode:Master  ", stdout);
@@ -112,7 +53,7 @@ static void print_wireless(const interface *wanted) {
         frequency_text(channel->frequency, frequency, sizeof frequency);
         printf("Frequency:%s GHz  ", frequency);
     }
-    printf("Access Point: %s   \n", vap_of(wanted)->bssid);
+    printf("Access Point: %s   \n", interface_vap(wanted)->bssid);
     printf("          Bit Rate:%s   Tx-Power:%d dBm   \n", mode->rate, radio->txpower);
     fputs(
         "          RTS thr:off   Fragment thr:off\n"
@@ -126,23 +67,16 @@ static void print_wireless(const interface *wanted) {
 
 // iwconfig athN channel auto|NUMBER
 static int choose_channel(const interface *wanted, const char *text) {
-    int radio = vap_of(wanted)->radio;
+    int radio = interface_vap(wanted)->radio;
     unsigned channel = (unsigned)atoi(text);
     if (strcmp(text, "auto") == 0)
         channel = scenario_quietest_channel(wanted->scene, radio);
-    if (scenario_find_channel(&wanted->scene->radios[radio], channel) == nullptr) {
+    if (scenario_find_channel(interface_radio(wanted), channel) == nullptr) {
         fprintf(stderr, "Error for wireless request \"Set Frequency\" (8B04) :\n    SET failed on device %s ; %s.\n",
                 wanted->name, strerror(EINVAL));
         return 256 - EINVAL;
     }
-    int lock = driver_state_lock();
-    driver_state state;
-    driver_state_read(&state);
-    state.channel[radio] = channel;
-    int failed = driver_state_write(&state);
-    if (lock >= 0)
-        close(lock);
-    return failed == 0 ? 0 : 1;
+    return interface_move(wanted, channel, 0) == 0 ? 0 : 1;
 }
 
 int tool_iwconfig(int argument_count, char *const *arguments) {
@@ -151,7 +85,7 @@ int tool_iwconfig(int argument_count, char *const *arguments) {
         return tool_usage("iwconfig");
     interface wanted;
     int status = 0;
-    if (!look_up(&wanted, arguments[0])) {
+    if (!interface_find(&wanted, arguments[0])) {
         fprintf(stderr, "%-9s No such device\n", arguments[0]);
         status = STATUS_NO_DEVICE;
     } else if (sets_channel) {
@@ -159,7 +93,7 @@ int tool_iwconfig(int argument_count, char *const *arguments) {
     } else {
         print_wireless(&wanted);
     }
-    scenario_free(wanted.scene);
+    interface_free(&wanted);
     return status;
 }
 
@@ -177,7 +111,7 @@ static void print_bytes(const char *label, uint64_t bytes) {
 }
 
 static void print_interface(const interface *wanted) {
-    const scenario_vap *vap = vap_of(wanted);
+    const scenario_vap *vap = interface_vap(wanted);
     double seconds = driver_clock() - wanted->state.vaps[wanted->vap].since;
     printf("%-9s Link encap:Ethernet  HWaddr %s  \n", wanted->name, vap->bssid);
     fputs("          UP BROADCAST RUNNING MULTICAST  MTU:1500  Metric:1\n", stdout);
@@ -196,11 +130,11 @@ int tool_ifconfig(int argument_count, char *const *arguments) {
     if (argument_count != 1)
         return tool_usage("ifconfig");
     interface wanted;
-    bool up = look_up(&wanted, arguments[0]);
+    bool up = interface_find(&wanted, arguments[0]);
     if (up)
         print_interface(&wanted);
     else
         fprintf(stderr, "%s: error fetching interface information: Device not found\n", arguments[0]);
-    scenario_free(wanted.scene);
+    interface_free(&wanted);
     return up ? 0 : 1;
 }

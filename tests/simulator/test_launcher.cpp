@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
+#include <pty.h>
 #include <sched.h>
 #include <signal.h>
 #include <stddef.h>
@@ -21,6 +22,8 @@
 #include "tests/simulator/support.h"
 
 namespace {
+
+using lines = std::vector<std::string>;
 
 const std::string LAUNCHER = getenv("VLK_LAUNCHER") != nullptr ? getenv("VLK_LAUNCHER") : "";
 const std::string RPCBIND = getenv("VLK_RPCBIND") != nullptr ? getenv("VLK_RPCBIND") : "";
@@ -104,6 +107,91 @@ TEST(Launcher, AnotherScenarioMakesAnotherGateway) {
     EXPECT_EQ(shown.output, "Small\nloaded\nath1      IEEE 802.11ng  ESSID:\"Small\"  \n");
 }
 
+TEST(Launcher, ADriverThatIsUpFromTheBeginningHasTakenOverTheStore) {
+    write_file("masks.scn",
+               "driver up\nradio 0 band=2.4 mac=00:03:7F:10:00:00\n"
+               "vap 1 radio=0 bssid=02:03:7F:10:00:01 ssid=Small enable=1\n"
+               "set TX_CHAINMASK_2 3\n");
+    outcome shown = run({LAUNCHER, "--bare", "--scenario", "masks.scn", "run", "iwpriv", "wifi0", "get_txchainmask"});
+    EXPECT_EQ(shown.output, "wifi0     get_txchainmask:3  \n");
+}
+
+// The authenticator and the WPS files at the start of a gateway.
+
+constexpr const char SHOW_AUTHENTICATOR[] =
+    "pgrep -c -x hostapd; cat /tmp/conf_filename 2>/dev/null; hostapd_cli -iath0 ping 2>/dev/null; "
+    "ls /nvram/etc/wpa2 | wc -l";
+
+TEST(Launcher, AGatewayWhoseDriverIsUpHasItsAuthenticatorFromTheBeginning) {
+    ASSERT_NE(RPCBIND, "");
+    outcome shown = run({LAUNCHER, "--rpcbind", RPCBIND, "run", "sh", "-c", SHOW_AUTHENTICATOR});
+    EXPECT_EQ(shown.output, "1\n/nvram/etc/wpa2/WSC_ath0.conf /nvram/etc/wpa2/WSC_ath8.conf\nPONG\n16\n");
+    EXPECT_EQ(shown.errors, "");
+}
+
+TEST(Launcher, ABareGatewayHasTheFilesButNoAuthenticator) {
+    EXPECT_EQ(bare({"sh", "-c", SHOW_AUTHENTICATOR}).output, "0\n16\n");
+}
+
+TEST(Launcher, AGatewayWhoseDriverIsNotUpHasNoAuthenticator) {
+    ASSERT_NE(RPCBIND, "");
+    write_file("loaded.scn",
+               "driver loaded\nradio 0 band=2.4 mac=00:03:7F:10:00:00\n"
+               "vap 1 radio=0 bssid=02:03:7F:10:00:01 ssid=Small enable=1\n");
+    outcome shown =
+        run({LAUNCHER, "--rpcbind", RPCBIND, "--scenario", "loaded.scn", "run", "sh", "-c", SHOW_AUTHENTICATOR});
+    EXPECT_EQ(shown.output, "0\n1\n");
+}
+
+TEST(Launcher, AnAuthenticatorThatDoesNotStartIsReportedAndTheGatewayRunsWithoutIt) {
+    ASSERT_NE(RPCBIND, "");
+    write_file("broken.scn",
+               "radio 0 band=2.4 mac=00:03:7F:10:00:00\n"
+               "vap 1 radio=0 bssid=02:03:7F:10:00:01 ssid=Small enable=1\n"
+               "wps 1 interface=ath7\n");
+    outcome shown = run({LAUNCHER, "--rpcbind", RPCBIND, "--scenario", "broken.scn", "run", "tail", "-n", "1",
+                         "/run/gateway/hostapd.log"});
+    EXPECT_EQ(shown.status, 0);
+    EXPECT_EQ(shown.errors, "vlk_simulated_gateway: /sbin/hostapd does not run; /run/gateway/hostapd.log says why\n");
+    EXPECT_EQ(shown.output, "Failed to set up interface with /nvram/etc/wpa2/WSC_ath0.conf\n");
+}
+
+// A server that looks for the authenticator as the real one does, and ends; its words end up in the launcher's.
+lines looking_server() {
+    write_file("server-that-looks", "#!/bin/sh\n/bin/ps | grep hostapd | sed 's/.* //'\n");
+    EXPECT_EQ(chmod("server-that-looks", 0755), 0);
+    return {LAUNCHER, "--rpcbind", RPCBIND, "--server", "server-that-looks", "--client", "/bin/true", "run", "true"};
+}
+
+TEST(Launcher, AServerStartedWithoutATerminalSeesTheAuthenticatorInAPlainListOfProcesses) {
+    ASSERT_NE(RPCBIND, "");
+    outcome looked = in_child([] { return setsid() > 0; }, looking_server());
+    EXPECT_EQ(looked.output, "vlk_simulated_gateway: the server: ended before it answered\nhostapd\n");
+}
+
+TEST(Launcher, AServerStartedOnATerminalSeesTheAuthenticatorInAPlainListOfProcesses) {
+    ASSERT_NE(RPCBIND, "");
+    lines words = looking_server();
+    std::vector<char *> arguments;
+    for (const std::string &word : words)
+        arguments.push_back(const_cast<char *>(word.c_str()));
+    arguments.push_back(nullptr);
+    int terminal;
+    pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        execv(arguments[0], arguments.data());
+        _exit(127);
+    }
+    std::string shown;
+    char buffer[512];
+    for (ssize_t length; (length = read(terminal, buffer, sizeof buffer)) > 0;)
+        shown.append(buffer, static_cast<size_t>(length));
+    close(terminal);
+    waitpid(child, nullptr, 0);
+    EXPECT_EQ(shown, "vlk_simulated_gateway: the server: ended before it answered\r\nhostapd\r\n");
+}
+
 TEST(Launcher, TheWorkingDirectoryIsTheCallersWhenItIsVisible) {
     char here[4096];
     ASSERT_NE(getcwd(here, sizeof here), nullptr);
@@ -168,7 +256,7 @@ TEST(Launcher, AKilledLauncherTakesEverythingWithIt) {
 
 TEST(Launcher, DaemonsThatTheCommandLeftBehindEndWithIt) {
     auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(bare({"sh", "-c", "hostapd -B /tmp/a.conf; sleep 1000 & exit 3"}).status, 3);
+    EXPECT_EQ(bare({"sh", "-c", "hostapd -B /nvram/etc/wpa2/WSC_ath0.conf; sleep 1000 & exit 3"}).status, 3);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
 }
 

@@ -11,41 +11,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <string>
 
 #include "simulator/paths.h"
 #include "simulator/store.h"
-#include "tests/simulator/support.h"
+#include "tests/simulator/platform.h"
 
 namespace {
-
-using lines = std::vector<std::string>;
-
-// Each test begins with the driver up, the store as the scenario has it, and no faults.
-class Platform : public testing::Test {
-protected:
-    void SetUp() override {
-        static const std::string first_store = read_file(APCFG_STORE);
-        static const std::string first_scenario = read_file(GATEWAY_SCENARIO);
-        write_file(APCFG_STORE, first_store);
-        write_file(GATEWAY_SCENARIO, first_scenario);
-        ASSERT_EQ(run({"fault", "off"}).status, 0);
-        ASSERT_EQ(run({"apup"}).status, 0);
-        mark = journal_mark();
-    }
-
-    void TearDown() override {
-        run({"fault", "off"});
-        run({"fault", "address", "off"});
-    }
-
-    lines journal() {
-        return journal_since(mark);
-    }
-
-    size_t mark = 0;
-};
 
 // Runs the probe with the driver library in front of it.
 outcome probe(const std::string &arguments) {
@@ -53,10 +25,8 @@ outcome probe(const std::string &arguments) {
                      arguments);
 }
 
-double seconds_of(const std::vector<std::string> &words) {
-    auto start = std::chrono::steady_clock::now();
-    run(words);
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+double seconds_of(const lines &words) {
+    return duration_of([&] { run(words); });
 }
 
 long counter_of(const std::string &text, const std::string &marker) {
@@ -286,25 +256,6 @@ TEST_F(Platform, ApupPutsAMissingInternalAddressBack) {
     EXPECT_NE(read_file("/proc/net/fib_trie").find(GATEWAY_ADDRESS), std::string::npos);
 }
 
-// hostapd
-
-TEST_F(Platform, HostapdStaysInTheBackgroundUnderItsNameUntilItIsKilled) {
-    // The shell's output is a pipe: were it inherited, reading it would not end before the daemon does.
-    EXPECT_EQ(run_shell("/sbin/hostapd -B /nvram/etc/wpa2/WSC_ath0.conf -e /etc/wpa2/entropy").status, 0);
-    EXPECT_EQ(run_shell("pgrep -c -x hostapd").output, "1\n");
-    EXPECT_EQ(run_shell("killall -w hostapd").status, 0);
-    EXPECT_EQ(run_shell("pgrep -c -x hostapd").output, "0\n");
-    EXPECT_EQ(journal().front(), "run hostapd -B /nvram/etc/wpa2/WSC_ath0.conf -e /etc/wpa2/entropy");
-}
-
-TEST_F(Platform, HostapdWithoutBackgroundOptionStaysInTheForeground) {
-    EXPECT_EQ(run_shell("timeout 0.2 hostapd /tmp/a.conf").status, 124);
-}
-
-TEST_F(Platform, HostapdWithoutAConfigurationFails) {
-    EXPECT_EQ(run_shell("hostapd -B").status, 1);
-}
-
 // Faults of tools
 
 TEST_F(Platform, ASilentToolPrintsNothingAndDoesNothing) {
@@ -492,6 +443,8 @@ TEST(PrivateRoot, TheHostsOwnSystemDirectoriesAreCovered) {
 TEST(PrivateRoot, NoProcessOfTheHostIsVisible) {
     EXPECT_EQ(read_file("/proc/1/comm"), "vlk_simulated_g\n");
     EXPECT_EQ(getppid(), 1);
+    // The authenticator that earlier tests left is gone after this.
+    EXPECT_EQ(run({"fast_down.sh"}).status, 0);
     // The gateway's first process, this test, and the listing itself.
     EXPECT_EQ(run({"ps", "-e", "-o", "comm="}).output, "vlk_simulated_g\n" + read_file("/proc/self/comm") + "ps\n");
 }
@@ -507,7 +460,8 @@ TEST(PrivateRoot, TheNetworkIsTheLoopbackDeviceWithTheInternalAddress) {
 
 TEST(PrivateRoot, ProgramsStandWhereTheGatewayHasThem) {
     for (const char *path : {"/etc/ath/cfg", "/etc/ath/apup", "/etc/ath/apup_simple", "/etc/ath/fast_down.sh",
-                             "/usr/sbin/iwconfig", "/usr/sbin/ifconfig", "/sbin/hostapd", "/usr/sbin/fault"})
+                             "/usr/sbin/iwconfig", "/usr/sbin/iwlist", "/usr/sbin/iwpriv", "/usr/sbin/ifconfig",
+                             "/sbin/hostapd", "/usr/sbin/hostapd_cli", "/usr/sbin/fault"})
         EXPECT_EQ(access(path, X_OK), 0) << path;
     char target[4096] = "";
     EXPECT_GT(readlink("/usr/sbin/vlk_rpc_wlan_config_client", target, sizeof target - 1), 0);

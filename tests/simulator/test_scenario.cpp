@@ -48,6 +48,7 @@ TEST(Scenario, TheHomeScenarioHasTwoRadiosOfEightVapsWithTheFirstOfEachEnabled) 
     EXPECT_STREQ(scene->vaps[0].bssid, "00:03:7F:10:00:01");
     EXPECT_EQ(scene->station_count, 5);
     EXPECT_EQ(scene->neighbour_count, 6);
+    EXPECT_EQ(scene->vaps[0].wps.result, WPS_SUCCEEDS);
     scenario_free(scene);
 }
 
@@ -118,6 +119,75 @@ TEST(Scenario, ScriptTimesAreSecondsWithFractions) {
     parsed one("script apup seconds=1.25\n");
     ASSERT_NE(one.scene, nullptr) << one.error;
     EXPECT_EQ(one.scene->scripts[0].seconds, 1.25);
+}
+
+TEST(Scenario, AWpsItemSaysWhatBecomesOfAnExchangeAndWhichLinesTheFileHas) {
+    parsed one(VAP +
+               "wps 1 seconds=1.5 friendly_name=\"Living room\" result=success mac=28:6A:BA:4C:10:01 ap_pin= a=b=c\n");
+    ASSERT_NE(one.scene, nullptr) << one.error;
+    const scenario_wps *wps = &one.scene->vaps[0].wps;
+    EXPECT_EQ(wps->result, WPS_SUCCEEDS);
+    EXPECT_EQ(wps->seconds, 1.5);
+    EXPECT_STREQ(wps->mac, "28:6A:BA:4C:10:01");
+    ASSERT_EQ(one.scene->wps_line_count, 3);
+    EXPECT_EQ(one.scene->wps_lines[0].vap, 1);
+    EXPECT_STREQ(one.scene->wps_lines[0].key, "friendly_name");
+    EXPECT_STREQ(one.scene->wps_lines[0].value, "Living room");
+    EXPECT_STREQ(one.scene->wps_lines[1].value, "");
+    EXPECT_STREQ(one.scene->wps_lines[2].key, "a");
+    EXPECT_STREQ(one.scene->wps_lines[2].value, "b=c");
+}
+
+TEST(Scenario, WithoutAResultNobodyComesToAnExchange) {
+    parsed none(VAP);
+    ASSERT_NE(none.scene, nullptr) << none.error;
+    EXPECT_EQ(none.scene->vaps[0].wps.result, WPS_RUNS_OUT);
+    parsed lines_only(VAP + "wps 1 ap_pin=0\n");
+    ASSERT_NE(lines_only.scene, nullptr) << lines_only.error;
+    EXPECT_EQ(lines_only.scene->vaps[0].wps.result, WPS_RUNS_OUT);
+    parsed said(VAP + "wps 1 result=timeout\n");
+    ASSERT_NE(said.scene, nullptr) << said.error;
+    EXPECT_EQ(said.scene->vaps[0].wps.result, WPS_RUNS_OUT);
+    parsed failed(VAP + "wps 1 seconds=0 result=failed\n");
+    ASSERT_NE(failed.scene, nullptr) << failed.error;
+    EXPECT_EQ(failed.scene->vaps[0].wps.result, WPS_FAILS);
+}
+
+TEST(Scenario, AWpsItemThatDoesNotFitIsRefused) {
+    EXPECT_EQ(refusal("wps 1 ap_pin=0\n"), "test.scn:1: VAP 1 is not declared yet");
+    EXPECT_EQ(refusal(VAP + "wps\n"), "test.scn:3: wps needs a VAP");
+    EXPECT_EQ(refusal(VAP + "wps 17\n"), "test.scn:3: \"17\" is no VAP from 1 to 16");
+    EXPECT_EQ(refusal(VAP + "wps 1 a=1\nwps 1 b=1\n"), "test.scn:4: wps of VAP 1 stands twice");
+    EXPECT_EQ(refusal(VAP + "wps 1 button\n"), "test.scn:3: \"button\" is no name=value");
+    EXPECT_EQ(refusal(VAP + "wps 1 seconds=1 seconds=1\n"), "test.scn:3: seconds stands twice");
+    EXPECT_EQ(refusal(VAP + "wps 1 a=1 b=1 a=2\n"), "test.scn:3: a stands twice");
+    EXPECT_EQ(refusal(VAP + "wps 1 seconds=soon\n"), "test.scn:3: \"soon\" is no good value for seconds");
+    EXPECT_EQ(refusal(VAP + "wps 1 mac=28:6A\n"), "test.scn:3: \"28:6A\" is no good value for mac");
+    EXPECT_EQ(refusal(VAP + "wps 1 seconds=1 result=perhaps\n"),
+              "test.scn:3: result is success, failed or timeout, not \"perhaps\"");
+    EXPECT_EQ(refusal(VAP + "wps 1 result=success mac=28:6A:BA:4C:10:01\n"),
+              "test.scn:3: wps needs seconds= with result=success");
+    EXPECT_EQ(refusal(VAP + "wps 1 result=failed\n"), "test.scn:3: wps needs seconds= with result=failed");
+    EXPECT_EQ(refusal(VAP + "wps 1 seconds=1 result=success\n"), "test.scn:3: wps needs mac= with result=success");
+    EXPECT_EQ(refusal(VAP + "wps 1 =1\n"), "test.scn:3: \"\" is no key of a WPS file");
+    EXPECT_EQ(refusal(VAP + "wps 1 \"a key\"=1\n"), "test.scn:3: \"a key\" is no key of a WPS file");
+    EXPECT_EQ(refusal(VAP + "wps 1 " + std::string(64, 'k') + "=1\n"),
+              "test.scn:3: \"" + std::string(64, 'k') + "\" is no key of a WPS file");
+    EXPECT_EQ(refusal(VAP + "wps 1 a=" + std::string(256, 'v') + "\n"),
+              "test.scn:3: a value has at most 255 characters");
+}
+
+TEST(Scenario, EveryVapCanHaveAsManyWpsLinesAsAnItemHasWords) {
+    std::string text = RADIO;
+    for (int i = 1; i <= SCENARIO_VAPS; i++) {
+        text += "vap " + std::to_string(i) + " radio=0 bssid=00:03:7F:10:00:01\nwps " + std::to_string(i);
+        for (char key = 'a'; key < 'a' + 14; key++)
+            text += std::string(" ") + key + "=1";
+        text += "\n";
+    }
+    parsed full(text);
+    ASSERT_NE(full.scene, nullptr) << full.error;
+    EXPECT_EQ(full.scene->wps_line_count, SCENARIO_WPS_LINES);
 }
 
 TEST(Scenario, AMistakeIsReportedWithFileAndLine) {

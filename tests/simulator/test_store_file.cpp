@@ -1,4 +1,5 @@
 // The store as its tool sees it: the file's shape, and what setting, removing and settling do to the lines.
+#include <errno.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -150,6 +151,22 @@ TEST_F(StoreFile, AValueIsCutToTheCallersBuffer) {
     EXPECT_STREQ(value, "123");
     EXPECT_FALSE(store_value(FILE_NAME, "B", value, sizeof value));
     EXPECT_STREQ(value, "");
+}
+
+TEST_F(StoreFile, OfPlainLinesHasNeitherHeaderNorEnd) {
+    write_file(FILE_NAME, "A=1\nB=2");
+    ASSERT_EQ(lines_load(FILE_NAME, &store), 0);
+    EXPECT_EQ(lines(), "A=1\nB=2\n");
+    ASSERT_EQ(store_set(&store, "C", "3"), 0);
+    ASSERT_EQ(lines_save(FILE_NAME, &store), 0);
+    EXPECT_EQ(read_file(FILE_NAME), "A=1\nB=2\nC=3\n");
+}
+
+TEST_F(StoreFile, OfPlainLinesThatIsMissingOrADirectoryCannotBeLoaded) {
+    EXPECT_EQ(lines_load("/tmp/no_such_lines", &store), -1);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(lines_load("/tmp", &store), -1);
+    EXPECT_EQ(lines(), "");
 }
 
 TEST(StoreKey, IsBareForIndex1AndBelowAndCarriesTheIndexFrom2On) {

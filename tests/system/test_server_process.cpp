@@ -249,7 +249,7 @@ TEST_F(ServerProcess, SecondBindFailureEndsTheChildCleanlyAndPausesTwoSeconds) {
 }
 
 TEST_F(ServerProcess, FailedBindBesideARunningAuthenticatorRestartsTheDriverOnceAndBindsAgain) {
-    ASSERT_EQ(run_command("hostapd -B /tmp/hostapd.conf").status, 0);
+    ASSERT_EQ(run_command("hostapd -B /nvram/etc/wpa2/WSC_ath0.conf").status, 0);
     ASSERT_EQ(run_command(INTERNAL_ADDRESS_OFF).status, 0);
     size_t mark = mark_of(JOURNAL_FILE);
     start_server();

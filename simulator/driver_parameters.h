@@ -1,0 +1,51 @@
+// What the driver keeps for its private commands: one row a parameter, and the file where the values stand.
+//
+// Touches /run/gateway/parameters, lines like "ath0.inact=300" and "wifi1.txchainmask=7"; the VAPs' MAC filters stand
+// in it too (mac_filter). Written under the driver's lock and replaced in one step, read by anybody. A parameter
+// without a line has its start value, so a driver that was just loaded has no file at all.
+#pragma once
+
+#include <stddef.h>
+
+#include "simulator/driver_state.h"
+#include "simulator/store.h"
+
+constexpr size_t PARAMETER_VALUE_SIZE = 16;  // a number of at most 11 characters, or the short text of a text
+
+enum parameter_kind {
+    PARAMETER_NUMBER,  // from least to most
+    PARAMETER_TEXT     // least to most printable characters without blanks
+};
+
+struct driver_parameter {
+    const char *name;    // the private command that sets it
+    const char *getter;  // and the one that reads it
+    bool of_radio;       // wifiN has it, else athN
+    parameter_kind kind;
+    long least, most;
+    const char *start;    // its value in a driver that was just loaded
+    const char *setting;  // the key of the store from which the start of the VAPs takes it, null for none
+};
+
+// The row of a private command that sets or reads a parameter, null when there is none.
+const driver_parameter *driver_parameter_find(const char *command);
+
+// Brings a text into the form in which the parameter is kept (PARAMETER_VALUE_SIZE bytes). Numbers may be written in
+// any base and end where their digits end. False when it is no value for it.
+bool driver_parameter_take(const driver_parameter *parameter, const char *text, char *value);
+
+// The value that an interface has (PARAMETER_VALUE_SIZE bytes).
+void driver_parameter_get(const driver_parameter *parameter, const char *interface, char *value);
+
+// Keeps a value that was taken. Returns 0, or -1 with errno.
+int driver_parameter_set(const driver_parameter *parameter, const char *interface, const char *value);
+
+// Reads the file; without one there are no lines. Between this and a save hold the driver's lock.
+int driver_parameters_read(store_text *parameters);
+
+// What the start of the driver does: forgets everything and takes over what the store says for the radios and for the
+// VAPs that are up, MAC filters included. The caller holds the driver's lock. Returns 0, or -1 with errno.
+int driver_parameters_load(const driver_state *state, const scenario *scene, const char *store_path);
+
+// What taking it down does.
+void driver_parameters_forget(void);
