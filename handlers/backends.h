@@ -1,4 +1,12 @@
 // Every room with back ends, for the handlers that call them.
 #pragma once
 
+#include "params/rates.h"
+#include "params/security.h"
+#include "params/tuning.h"
 #include "params/vap.h"
+#include "params/wmm.h"
+#include "params/wps.h"
+#include "steering/airtime.h"
+#include "steering/channel_switch.h"
+#include "steering/mac_list.h"

@@ -50,3 +50,27 @@ bool_t wlan_get_advairtime_wait_threshold_1_svc(int index, wlan_config_result_da
     *result = {};
     return TRUE;
 }
+
+// Reports the switch on standard output, debugging or not and without the usual tag, because whoever watches the server
+// looks for these lines; "%d" is their text, although the words are unsigned. Then it makes two back ends one
+// operation: the configured channel follows the announced one, and a channel that the radio refuses is not the client's
+// concern.
+bool_t wlan_set_channel_switch_1_svc(int index, u_int type, u_int reserved_2, u_int channel, u_int reserved_4,
+                                     u_int count, u_int reserved_6, u_int width, u_int reserved_8, u_int reserved_9,
+                                     wlan_config_return_code_e *result, svc_req *) {
+    log_always(" WLAN RPC server : [Channel Switch Type =%d]\n", static_cast<int>(type));
+    log_always(" WLAN RPC server : [Channel Switch Channel Number =%d]\n", static_cast<int>(channel));
+    log_always(" WLAN RPC server : [Channel Switch switchcount =%d]\n", static_cast<int>(count));
+    log_always(" WLAN RPC server : [Channel Switch channelwidth =%d]\n", static_cast<int>(width));
+    log_debug(
+        "[VLK-API] %s  WLAN RPC server : [index %d][type %u][reserved_2 %u][channel %u][reserved_4 %u][count %u]"
+        "[reserved_6 %u][width %u][reserved_8 %u][reserved_9 %u]\n",
+        __func__, index, type, reserved_2, channel, reserved_4, count, reserved_6, width, reserved_8, reserved_9);
+    int status = wlan_setChannelSwitch(index, type, channel, count, width);
+    if (status == 0) {
+        wlan_setChannel(index, channel);
+    }
+    *result = static_cast<wlan_config_return_code_e>(status);
+    log_debug("[VLK-API] %s  WLAN RPC server : return code :%d\n", __func__, *result);
+    return TRUE;
+}

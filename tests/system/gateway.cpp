@@ -157,6 +157,15 @@ std::string store_value(const std::string &key) {
     return "(absent)";
 }
 
+void restart_driver() {
+    set_store({"AP_VAP_NUM=8", "AP_RADIO_ID=0", "AP_RADIO_ID_2=0", "AP_RADIO_ID_9=1", "AP_RADIO_ENABLED=1",
+               "AP_RADIO_ENABLED_2=1", "AP_PRIMARY_CH=36", "AP_PRIMARY_CH_2=6", "AP_CHMODE=11ACVHT80",
+               "AP_CHMODE_2=11NGHT20", "AP_ENABLE=1", "AP_ENABLE_9=1", "AP_SECMODE=WPA", "AP_SECMODE_9=WPA", "AP_WPA=2",
+               "AP_WPA_9=2", "WPS_ENABLE=2", "WPS_ENABLE_9=2", "AP_SSID=Home"});
+    command_output apup = run_command("apup");
+    EXPECT_EQ(apup.status, 0) << apup.errors;
+}
+
 command_output run_command(const std::string &command) {
     constexpr const char errors_file[] = "/tmp/system_tests.errors";
     command_output output = {-1, "", ""};
@@ -178,4 +187,33 @@ void set_debug(bool on) {
         write_file(DEBUG_SWITCH_FILE, "");
     else
         unlink(DEBUG_SWITCH_FILE);
+}
+
+void WatchedGateway::begin_watching() {
+    journal_mark = mark_of(JOURNAL_FILE);
+    log_mark = mark_of(SERVER_LOG_FILE);
+}
+
+void WatchedGateway::begin_with(const strings &lines) {
+    set_store(lines);
+    begin_watching();
+}
+
+strings WatchedGateway::commands() const {
+    return commands_since(journal_mark);
+}
+
+strings WatchedGateway::new_commands() {
+    strings found = commands();
+    journal_mark = mark_of(JOURNAL_FILE);
+    return found;
+}
+
+strings WatchedGateway::lines_with(const strings &beginnings) const {
+    strings found;
+    for (const std::string &line : lines_since(SERVER_LOG_FILE, log_mark))
+        for (const std::string &beginning : beginnings)
+            if (line.starts_with(beginning))
+                found.push_back(line);
+    return found;
 }

@@ -3,6 +3,7 @@
 // Runs inside the simulated gateway only.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <stdint.h>
 
 #include <ostream>
@@ -74,6 +75,10 @@ void set_store(const std::vector<std::string> &lines);
 // Value of a key in the store, "(absent)" when no line has it.
 std::string store_value(const std::string &key);
 
+// Brings the driver up with VAPs 1 and 9, WPA and WPS, and with what belongs to them: what the gateway begins with. The
+// store has nothing else.
+void restart_driver();
+
 // Runs a shell command: its standard output, and its exit status.
 struct command_output {
     int status;
@@ -81,6 +86,30 @@ struct command_output {
     std::string errors;
 };
 command_output run_command(const std::string &command);
+
+// A test that looks at what the server runs and prints.
+class WatchedGateway : public testing::Test {
+protected:
+    // Forgets what was run and printed before; replaces the store as well.
+    void begin_watching();
+    void begin_with(const strings &lines);
+
+    // The server's commands since then, or since the last look.
+    strings commands() const;
+    strings new_commands();
+
+    // What the server printed since the beginning: all lines that begin with one of these. Its tools write to the same
+    // file.
+    strings lines_with(const strings &beginnings) const;
+
+    size_t journal_mark = 0;
+    size_t log_mark = 0;
+};
+
+// A store with two VAPs on each radio: 1 and 2, 9 and 10.
+inline const strings TWO_RADIOS = {"AP_VAP_NUM=8",      "AP_RADIO_ID=0",          "AP_RADIO_ID_2=0",
+                                   "AP_RADIO_ID_9=1",   "AP_RADIO_ID_10=1",       "AP_PRIMARY_CH=36",
+                                   "AP_PRIMARY_CH_2=6", "AP_CHMODE=11NAHT40PLUS", "AP_CHMODE_2=11NGHT20"};
 
 // Switches the server's debug lines.
 void set_debug(bool on);

@@ -6,19 +6,11 @@
 
 namespace {
 
-class Vap : public testing::Test {
+class Vap : public WatchedGateway {
 protected:
     void SetUp() override {
-        set_store({"AP_VAP_NUM=8", "AP_RADIO_ID=0", "AP_RADIO_ID_2=0", "AP_RADIO_ID_9=1", "AP_RADIO_ID_10=1",
-                   "AP_PRIMARY_CH=36", "AP_PRIMARY_CH_2=6", "AP_CHMODE=11NAHT40PLUS", "AP_CHMODE_2=11NGHT20"});
-        mark = mark_of(JOURNAL_FILE);
+        begin_with(TWO_RADIOS);
     }
-
-    strings commands() {
-        return commands_since(mark);
-    }
-
-    size_t mark = 0;
 };
 
 TEST_F(Vap, SsidIsSetThroughTheToolAndReadBackFromTheStore) {

@@ -1,74 +1,26 @@
-// The wireless ioctls: what reaches the driver, what comes back, and the channel arithmetic. The driver is the `ioctl`
-// below, which stands in front of the C library's.
+// The wireless ioctls: what reaches the driver, what comes back, and the channel arithmetic.
 #include "config/wireless.h"
 
 #include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/wireless.h>
-#include <stdarg.h>
 #include <stdlib.h>
 #include <string.h>
-#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 
 #include <string>
 
+#include "tests/support/driver.h"
 #include "tests/support/platform.h"
-
-// What the driver was asked last, and what it is to answer.
-static struct {
-    int calls;
-    int descriptor;
-    unsigned long request;
-    iwreq record;
-    int error;                   // refuses with this when not 0
-    const channel_table *table;  // copied to where the request points, when not null
-    const char *inline_answer;   // 16 bytes for the record's data, when not null
-    uint16_t length_answer;      // the length word of the answer, when not 0
-} driver;
-
-extern "C" int ioctl(int descriptor, unsigned long request, ...) noexcept {
-    va_list arguments;
-    va_start(arguments, request);
-    iwreq *record = va_arg(arguments, iwreq *);
-    va_end(arguments);
-    driver.calls++;
-    driver.descriptor = descriptor;
-    driver.request = request;
-    memcpy(&driver.record, record, sizeof(driver.record));
-    if (driver.error != 0) {
-        errno = driver.error;
-        return -1;
-    }
-    if (driver.table) {
-        memcpy(record->u.data.pointer, driver.table, record->u.data.length);
-    }
-    if (driver.inline_answer) {
-        memcpy(record->u.name, driver.inline_answer, sizeof(record->u.name));
-    }
-    if (driver.length_answer != 0) {
-        record->u.data.length = driver.length_answer;
-    }
-    return 0;
-}
 
 namespace {
 
 struct Wireless : testing::Test {
     void SetUp() override {
         reset_platform();
-        memset(&driver, 0, sizeof(driver));
-    }
-
-    channel_table table = {};
-
-    void list_channel(unsigned frequency, uint32_t flags) {
-        table.entries[table.count].frequency = static_cast<uint16_t>(frequency);
-        table.entries[table.count].ic_flags = flags;
-        table.count++;
-        driver.table = &table;
+        reset_driver();
     }
 };
 
@@ -222,19 +174,19 @@ TEST_F(Wireless, AnUnlistedChannelHasNoFlags) {
 TEST_F(Wireless, EntriesBehindTheCountAreNotLookedAt) {
     list_channel(2412, 0x1);
     list_channel(2417, 0x2);
-    table.count = 1;
+    driver.table.count = 1;
     EXPECT_EQ(get_channels("wifi0", 2), 0);
 }
 
 TEST_F(Wireless, TheLastEntryOfAFullTableIsLookedAt) {
-    table.count = CHANNEL_TABLE_ENTRIES - 1;
+    driver.table.count = CHANNEL_TABLE_ENTRIES - 1;
     list_channel(2412, 0x77);
     EXPECT_EQ(get_channels("wifi0", 1), 0x77);
 }
 
 TEST_F(Wireless, ACountBeyondTheTableIsNotFollowed) {
     list_channel(2412, 0x1);
-    table.count = 0xffffffff;
+    driver.table.count = 0xffffffff;
     EXPECT_EQ(get_channels("wifi0", 2), 0);
 }
 
