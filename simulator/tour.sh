@@ -1,5 +1,5 @@
 #!/bin/sh
-# The tour of the simulated gateway: a dozen calls of the client, each with what it made the gateway do.
+# The tour of the simulated gateway: some twenty calls of the client, each with what it made the gateway do.
 #
 # Runs inside the gateway (vlk_simulated_gateway tour). Below each call stand, indented, the journal lines that it
 # caused. Ends with one summary line; status 1 when a call did not end as it should.
@@ -59,6 +59,13 @@ call getStandard 9
 call setStandard 9 ac
 call getStandard 9
 call getBeaconType 1
+call getPossibleChannels 9
+call setHtTxStream 1 2
+call getHtTxStream 1
+call setMacAddressControlAdd 1 02:00:00:00:00:42 steerlist
+call getMacAddressControlList 1
+call setWpsPushbutton 1
+call getWpsStatus 1
 # VAP 9 is on the 5 GHz radio, which has no channel 6: the server refuses and says so.
 step 1 "$client" setChannel 9 6
 
