@@ -59,18 +59,32 @@ int athcfg_executecmd(const char *caller, const char *command, char **output) {
     return status;
 }
 
-int athcfg_executecmdf(const char *caller, char **output, const char *format, ...) {
+static int execute_formatted(const char *caller, char **output, const char *format, va_list arguments) {
     *output = nullptr;
     char *command = nullptr;
-    va_list arguments;
-    va_start(arguments, format);
-    int length = vasprintf(&command, format, arguments);
-    va_end(arguments);
-    if (length < 0) {
+    if (vasprintf(&command, format, arguments) < 0) {
         return -1;
     }
     int status = athcfg_executecmd(caller, command, output);
     free(command);
+    return status;
+}
+
+int athcfg_executecmdf(const char *caller, char **output, const char *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    int status = execute_formatted(caller, output, format, arguments);
+    va_end(arguments);
+    return status;
+}
+
+int athcfg_runcmdf(const char *caller, const char *format, ...) {
+    char *output;
+    va_list arguments;
+    va_start(arguments, format);
+    int status = execute_formatted(caller, &output, format, arguments);
+    va_end(arguments);
+    free(output);
     return status;
 }
 

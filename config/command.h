@@ -18,6 +18,9 @@ int athcfg_executecmd(const char *caller, const char *command, char **output);
 int athcfg_executecmdf(const char *caller, char **output, const char *format, ...)
     __attribute__((format(printf, 3, 4)));
 
+// The same where nobody wants the output: it is read, so that the command can end, and thrown away.
+int athcfg_runcmdf(const char *caller, const char *format, ...) __attribute__((format(printf, 2, 3)));
+
 // Runs a shell command with the server's own standard output and waits for it (a command that ends in '&' is not
 // waited for). Returns what system() returns.
 int run_shell(const char *command);

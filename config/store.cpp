@@ -201,9 +201,7 @@ int athcfg_setbyname(int index, const char *name, const char *value) {
         return -1;
     }
     log_debug("[VLK-API] %s %s: index %d, execute cmd: %s\n", __func__, __func__, interface_number(index), command);
-    char *output = nullptr;
-    int status = athcfg_executecmd(__func__, command, &output);
-    free(output);
+    int status = athcfg_runcmdf(__func__, "%s", command);
     free(command);
     return status == 0 ? 0 : -1;
 }

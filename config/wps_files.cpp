@@ -141,8 +141,6 @@ int athwps_setbyname(int index, const char *key, const char *value) {
     if (!write_temporary(path, temporary, key, value)) {
         return -1;
     }
-    char *output = nullptr;
-    athcfg_executecmdf(__func__, &output, "rm %s;mv %s %s", path, temporary, path);
-    free(output);
+    athcfg_runcmdf(__func__, "rm %s;mv %s %s", path, temporary, path);
     return 0;
 }

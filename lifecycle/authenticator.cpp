@@ -45,9 +45,7 @@ static void kill_authenticator(const char *list) {
         return;
     }
     log_debug("[VLK-API] %s %s: kill hostapd pid %d\n", "wps_hostapd_restart", "wps_hostapd_restart", pid);
-    char *output = nullptr;
-    athcfg_executecmdf("wps_hostapd_restart", &output, "kill %d", pid);
-    free(output);
+    athcfg_runcmdf("wps_hostapd_restart", "kill %d", pid);
 }
 
 // Starts the authenticator with the content of the name file, whose last line break would end the command too early.
@@ -67,9 +65,7 @@ static void start_authenticator(char *name) {
     }
     snprintf(command, size, "/sbin/hostapd -B %s -e /etc/wpa2/entropy", name);
     log_debug("[VLK-API] %s restart hostapd -- %s\n", "wps_hostapd_restart", command);
-    char *output = nullptr;
-    athcfg_executecmd("wps_hostapd_restart", command, &output);
-    free(output);
+    athcfg_runcmdf("wps_hostapd_restart", "%s", command);
     free(command);
 }
 

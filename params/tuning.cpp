@@ -322,9 +322,7 @@ static int set_streams(const char *caller, int index, const char *key, const cha
     int radio = athcfg_get_radio(index);
     int mask = mask_of_streams(streams);
     athcfg_setint(radio_store_index(radio), key, mask);
-    char *output = nullptr;
-    athcfg_executecmdf(caller, &output, "iwpriv wifi%d %s %d", radio, parameter, mask);
-    free(output);
+    athcfg_runcmdf(caller, "iwpriv wifi%d %s %d", radio, parameter, mask);
     return 0;
 }
 
@@ -372,9 +370,7 @@ int wlan_setSsidQosEnabled(int index, int enabled) {
     if (index < 0) {
         return -1;
     }
-    char *output = nullptr;
-    athcfg_executecmdf(__func__, &output, "iwpriv wifi%d ssidqos_ena %d", index, enabled);
-    free(output);
+    athcfg_runcmdf(__func__, "iwpriv wifi%d ssidqos_ena %d", index, enabled);
     return 0;
 }
 
@@ -399,9 +395,7 @@ int wlan_setSsidQosLevel(int index, const char *level) {
     if (index < 0) {
         return -1;
     }
-    char *output = nullptr;
-    athcfg_executecmdf(__func__, &output, "iwpriv ath%d ssidqos_lvl %s", interface_number(index), level);
-    free(output);
+    athcfg_runcmdf(__func__, "iwpriv ath%d ssidqos_lvl %s", interface_number(index), level);
     return 0;
 }
 
@@ -555,9 +549,7 @@ int wlan_setStationIsolate(int index, int enabled) {
     if (set_number(&STATION_ISOLATE, index, enabled) != 0) {
         return -1;
     }
-    char *output = nullptr;
-    athcfg_executecmdf(__func__, &output, "iwpriv ath%d l2tif %d", interface_number(index), enabled);
-    free(output);
+    athcfg_runcmdf(__func__, "iwpriv ath%d l2tif %d", interface_number(index), enabled);
     return 0;
 }
 

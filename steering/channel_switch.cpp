@@ -4,7 +4,6 @@
 #include "steering/channel_switch.h"
 
 #include <stdio.h>
-#include <stdlib.h>
 
 #include "config/command.h"
 #include "config/log.h"
@@ -23,9 +22,7 @@ int wlan_setChannelSwitch(int index, u_int, u_int channel, u_int count, u_int wi
     snprintf(command, sizeof(command), "iwpriv ath%d doth_ch_chwidth %d %d %d", interface_number(index),
              static_cast<int>(channel), static_cast<int>(count), static_cast<int>(width));
     log_always("Command is %s\n", command);
-    char *output = nullptr;
-    athcfg_executecmd(__func__, command, &output);
-    free(output);
+    athcfg_runcmdf(__func__, "%s", command);
     return 0;
 }
 
@@ -43,8 +40,6 @@ int wlan_setIdleTimeout(int index, int seconds) {
         return -1;
     }
     // The driver reads the store when it brings the VAP up; this tells it now.
-    char *output = nullptr;
-    athcfg_executecmdf(__func__, &output, "iwpriv ath%d inact %d", interface_number(index), seconds);
-    free(output);
+    athcfg_runcmdf(__func__, "iwpriv ath%d inact %d", interface_number(index), seconds);
     return 0;
 }

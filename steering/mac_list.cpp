@@ -161,9 +161,7 @@ int wlan_setMacAddressControlClear(int index) {
     athcfg_setbyname(index, "AP_MACLIST", "");
     // For index 0 this names an interface that does not exist, and the tool says so; only additions and deletions are
     // held back for it.
-    char *output = nullptr;
-    athcfg_executecmdf(__func__, &output, "iwpriv ath%d maccmd 3", interface_number(index));
-    free(output);
+    athcfg_runcmdf(__func__, "iwpriv ath%d maccmd 3", interface_number(index));
     return 0;
 }
 

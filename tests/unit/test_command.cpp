@@ -178,6 +178,20 @@ TEST_F(Command, AFormattedCommandIsPutTogether) {
     EXPECT_STREQ(output, "ath 7\n");
 }
 
+TEST_F(Command, ACommandWhoseOutputNobodyWantsIsRunToItsEnd) {
+    install_tool("iwpriv", std::string(100'000, 'x'));
+    printed_text printed = capture([] { EXPECT_EQ(athcfg_runcmdf("caller", "iwpriv ath%d l2tif %d", 0, 1), 0); });
+    EXPECT_EQ(tool_calls(), std::vector<std::string>{"iwpriv ath0 l2tif 1"});
+    EXPECT_EQ(printed.out, "");
+}
+
+TEST_F(Command, ACommandWhoseOutputNobodyWantsFailsWithoutAPipe) {
+    begin_descriptor_shortage();
+    int status = athcfg_runcmdf("caller", "true");
+    end_descriptor_shortage();
+    EXPECT_EQ(status, -1);
+}
+
 TEST_F(Command, AFormattedCommandMayBeLong) {
     std::string argument(20000, 'a');
     EXPECT_EQ(athcfg_executecmdf("caller", &output, "echo %s", argument.c_str()), 0);
