@@ -85,20 +85,25 @@ void driver_parameter_get(const driver_parameter *parameter, const char *interfa
     store_free(&lines);
 }
 
-int driver_parameter_set(const driver_parameter *parameter, const char *interface, const char *value) {
-    char key[LINE_KEY_SIZE];
-    line_key(parameter, interface, key, sizeof key);
+int driver_parameters_change(int (*how)(store_text *lines, const char *key, const char *value), const char *key,
+                             const char *value) {
     int lock = driver_state_lock();
     store_text lines;
     int failed = driver_parameters_read(&lines);
     if (failed == 0)
-        failed = store_set(&lines, key, value);
+        failed = how(&lines, key, value);
     if (failed == 0)
         failed = lines_save(GATEWAY_PARAMETERS, &lines);
     store_free(&lines);
     if (lock >= 0)
         close(lock);
     return failed;
+}
+
+int driver_parameter_set(const driver_parameter *parameter, const char *interface, const char *value) {
+    char key[LINE_KEY_SIZE];
+    line_key(parameter, interface, key, sizeof key);
+    return driver_parameters_change(store_set, key, value);
 }
 
 // Takes one parameter of an interface over from the store, when it is there and the driver would accept it.

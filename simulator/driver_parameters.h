@@ -40,8 +40,13 @@ void driver_parameter_get(const driver_parameter *parameter, const char *interfa
 // Keeps a value that was taken. Returns 0, or -1 with errno.
 int driver_parameter_set(const driver_parameter *parameter, const char *interface, const char *value);
 
-// Reads the file; without one there are no lines. Between this and a save hold the driver's lock.
-int driver_parameters_read(store_text *parameters);
+// Reads the file; without one there are no lines.
+int driver_parameters_read(store_text *lines);
+
+// Reads the file, has its lines changed, and replaces it, all under the driver's lock; `how` gets the two texts.
+// Returns 0, or -1 with errno.
+int driver_parameters_change(int (*how)(store_text *lines, const char *key, const char *value), const char *key,
+                             const char *value);
 
 // What the start of the driver does: forgets everything and takes over what the store says for the radios and for the
 // VAPs that are up, MAC filters included. The caller holds the driver's lock. Returns 0, or -1 with errno.

@@ -4,10 +4,8 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <unistd.h>
 
 #include "simulator/driver_parameters.h"
-#include "simulator/paths.h"
 
 constexpr size_t MAC_LENGTH = MAC_TEXT_SIZE - 1;
 
@@ -88,32 +86,16 @@ static int remove_all(store_text *lines, const char *interface, const char *) {
     return put_list(lines, interface, "");
 }
 
-// Changes the list of an interface in the file, under the driver's lock.
-static int change(const char *interface, const char *mac,
-                  int (*how)(store_text *lines, const char *interface, const char *mac)) {
-    int lock = driver_state_lock();
-    store_text lines;
-    int failed = driver_parameters_read(&lines);
-    if (failed == 0)
-        failed = how(&lines, interface, mac);
-    if (failed == 0)
-        failed = lines_save(GATEWAY_PARAMETERS, &lines);
-    store_free(&lines);
-    if (lock >= 0)
-        close(lock);
-    return failed;
-}
-
 int mac_filter_add(const char *interface, const char *mac) {
-    return change(interface, mac, add_to);
+    return driver_parameters_change(add_to, interface, mac);
 }
 
 int mac_filter_remove(const char *interface, const char *mac) {
-    return change(interface, mac, remove_from);
+    return driver_parameters_change(remove_from, interface, mac);
 }
 
 int mac_filter_flush(const char *interface) {
-    return change(interface, "", remove_all);
+    return driver_parameters_change(remove_all, interface, "");
 }
 
 // One entry "MAC,NAME" of the store; what is none, or is on another list, is passed over.

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -10,16 +11,20 @@
 
 #include "simulator/paths.h"
 
-[[noreturn]] static void become(const std::vector<std::string> &words, int output, int errors) {
-    dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
-    dup2(output, STDOUT_FILENO);
-    dup2(errors, STDERR_FILENO);
+[[noreturn]] static void execute(const std::vector<std::string> &words) {
     std::vector<char *> arguments;
     for (const std::string &word : words)
         arguments.push_back(const_cast<char *>(word.c_str()));
     arguments.push_back(nullptr);
     execvp(arguments[0], arguments.data());
     _exit(127);
+}
+
+[[noreturn]] static void become(const std::vector<std::string> &words, int output, int errors) {
+    dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+    dup2(output, STDOUT_FILENO);
+    dup2(errors, STDERR_FILENO);
+    execute(words);
 }
 
 // Reads both pipes until both are closed.
@@ -60,6 +65,22 @@ outcome run(const std::vector<std::string> &words) {
     if (waitpid(child, &status, 0) == child)
         result.status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
     return result;
+}
+
+std::string run_on_terminal(const std::vector<std::string> &words) {
+    int terminal;
+    pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child < 0)
+        return "there is no terminal";
+    if (child == 0)
+        execute(words);
+    std::string shown;
+    char buffer[512];
+    for (ssize_t length; (length = read(terminal, buffer, sizeof buffer)) > 0;)
+        shown.append(buffer, static_cast<size_t>(length));
+    close(terminal);
+    waitpid(child, nullptr, 0);
+    return shown;
 }
 
 outcome run_shell(const std::string &command) {

@@ -13,6 +13,9 @@ struct outcome {
 // Runs a program with its arguments, standard input empty.
 outcome run(const std::vector<std::string> &words);
 
+// Runs a program on a terminal of its own and returns what stands on it afterwards.
+std::string run_on_terminal(const std::vector<std::string> &words);
+
 // Runs a shell command.
 outcome run_shell(const std::string &command);
 

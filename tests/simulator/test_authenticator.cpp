@@ -1,7 +1,6 @@
 // The authenticator as a process: how it starts, what it refuses, what it leaves behind, and the driver's scripts that
 // end and start it.
 #include <errno.h>
-#include <pty.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/socket.h>
@@ -145,19 +144,7 @@ TEST_F(Hostapd, CanBeEndedWhateverItsStarterDidWithSignals) {
 TEST_F(Hostapd, IsListedByAPlainPsOnATerminalAndOnNone) {
     ASSERT_EQ(run_shell(START).status, 0);
     EXPECT_NE(run_shell("/bin/ps | grep hostapd").output.find(" hostapd\n"), std::string::npos);
-    int terminal;
-    pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        execl("/bin/sh", "sh", "-c", "/bin/ps | grep hostapd", nullptr);
-        _exit(127);
-    }
-    std::string shown;
-    char buffer[512];
-    for (ssize_t length; (length = read(terminal, buffer, sizeof buffer)) > 0;)
-        shown.append(buffer, static_cast<size_t>(length));
-    close(terminal);
-    waitpid(child, nullptr, 0);
+    std::string shown = run_on_terminal({"/bin/sh", "-c", "/bin/ps | grep hostapd"});
     EXPECT_NE(shown.find(" hostapd\r\n"), std::string::npos) << shown;
     // Its first word is the pid.
     EXPECT_EQ(atoi(shown.c_str()), atoi(pids().c_str()));

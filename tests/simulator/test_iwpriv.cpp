@@ -291,6 +291,7 @@ TEST_F(Iwpriv, DeletesTheFirstAMiddleAndTheLastAddress) {
     set({"ath0", "delmac", "28:6A:BA:4C:10:03"});
     set({"ath0", "delmac", "28:6A:BA:4C:10:04"});
     EXPECT_EQ(answer({"ath0", "getmac"}), "ath0      getmac:28:6A:BA:4C:10:02\n");
+    EXPECT_NE(read_file("/run/gateway/parameters").find("\nath0.maclist=28:6A:BA:4C:10:02\n"), std::string::npos);
     set({"ath0", "delmac", "28:6A:BA:4C:10:02"});
     EXPECT_EQ(answer({"ath0", "getmac"}), "ath0      getmac:\n");
 }

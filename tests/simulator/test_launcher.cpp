@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
-#include <pty.h>
 #include <sched.h>
 #include <signal.h>
 #include <stddef.h>
@@ -119,13 +118,15 @@ TEST(Launcher, ADriverThatIsUpFromTheBeginningHasTakenOverTheStore) {
 // The authenticator and the WPS files at the start of a gateway.
 
 constexpr const char SHOW_AUTHENTICATOR[] =
-    "pgrep -c -x hostapd; cat /tmp/conf_filename 2>/dev/null; hostapd_cli -iath0 ping 2>/dev/null; "
+    "pgrep -c -x hostapd; grep -H . /tmp/conf_filename 2>/dev/null || ls /tmp/conf_filename 2>/dev/null; hostapd_cli "
+    "-iath0 ping 2>/dev/null; "
     "ls /nvram/etc/wpa2 | wc -l";
 
 TEST(Launcher, AGatewayWhoseDriverIsUpHasItsAuthenticatorFromTheBeginning) {
     ASSERT_NE(RPCBIND, "");
     outcome shown = run({LAUNCHER, "--rpcbind", RPCBIND, "run", "sh", "-c", SHOW_AUTHENTICATOR});
-    EXPECT_EQ(shown.output, "1\n/nvram/etc/wpa2/WSC_ath0.conf /nvram/etc/wpa2/WSC_ath8.conf\nPONG\n16\n");
+    EXPECT_EQ(shown.output,
+              "1\n/tmp/conf_filename:/nvram/etc/wpa2/WSC_ath0.conf /nvram/etc/wpa2/WSC_ath8.conf\nPONG\n16\n");
     EXPECT_EQ(shown.errors, "");
 }
 
@@ -171,24 +172,7 @@ TEST(Launcher, AServerStartedWithoutATerminalSeesTheAuthenticatorInAPlainListOfP
 
 TEST(Launcher, AServerStartedOnATerminalSeesTheAuthenticatorInAPlainListOfProcesses) {
     ASSERT_NE(RPCBIND, "");
-    lines words = looking_server();
-    std::vector<char *> arguments;
-    for (const std::string &word : words)
-        arguments.push_back(const_cast<char *>(word.c_str()));
-    arguments.push_back(nullptr);
-    int terminal;
-    pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        execv(arguments[0], arguments.data());
-        _exit(127);
-    }
-    std::string shown;
-    char buffer[512];
-    for (ssize_t length; (length = read(terminal, buffer, sizeof buffer)) > 0;)
-        shown.append(buffer, static_cast<size_t>(length));
-    close(terminal);
-    waitpid(child, nullptr, 0);
+    std::string shown = run_on_terminal(looking_server());
     EXPECT_EQ(shown, "vlk_simulated_gateway: the server: ended before it answered\r\nhostapd\r\n");
 }
 
