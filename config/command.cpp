@@ -59,7 +59,8 @@ int athcfg_executecmd(const char *caller, const char *command, char **output) {
     return status;
 }
 
-static int execute_formatted(const char *caller, char **output, const char *format, va_list arguments) {
+__attribute__((format(printf, 3, 0))) static int execute_formatted(const char *caller, char **output,
+                                                                   const char *format, va_list arguments) {
     *output = nullptr;
     char *command = nullptr;
     if (vasprintf(&command, format, arguments) < 0) {
