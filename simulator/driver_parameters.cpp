@@ -6,7 +6,6 @@
 #include <string.h>
 #include <unistd.h>
 
-#include "simulator/mac_filter.h"
 #include "simulator/paths.h"
 
 // Three chains, so masks of three bits. A VAP's SSID has the access category best effort, until it is given another.
@@ -17,7 +16,7 @@ static const driver_parameter parameters[] = {
     {"ssidqos_lvl", "get_ssidqos_lvl", false, PARAMETER_TEXT, 2, 2, "BE", nullptr},
     {"l2tif", "get_l2tif", false, PARAMETER_NUMBER, 0, 1, "0", "AP_STATIONISOLATE"},
     {"inact", "get_inact", false, PARAMETER_NUMBER, 0, 65535, "300", "AP_INACT"},
-    {"maccmd", "get_maccmd", false, PARAMETER_NUMBER, 0, MAC_FILTER_DETACH, "0", nullptr},
+    {"maccmd", "get_maccmd", false, PARAMETER_NUMBER, 0, MACCMD_DETACH, "0", nullptr},
 };
 
 // Room for "ath15." and a parameter's name.
@@ -122,43 +121,13 @@ static int load_parameter(const driver_parameter *parameter, const char *interfa
     return failed;
 }
 
-static int load_interface(const char *interface, bool is_radio, const store_text *store, int index, store_text *lines) {
+int driver_parameters_load(const char *interface, const store_text *store, int index, store_text *lines) {
+    bool is_radio = radio_of_device(interface) >= 0;
     int failed = 0;
     for (const driver_parameter &parameter : parameters) {
         if (parameter.of_radio == is_radio && parameter.setting != nullptr)
             failed |= load_parameter(&parameter, interface, store, index, lines);
     }
-    return failed;
-}
-
-static int load_all(const driver_state *state, const scenario *scene, const store_text *store, store_text *lines) {
-    char interface[16];
-    int failed = 0;
-    for (int i = 0; i < SCENARIO_RADIOS; i++) {
-        snprintf(interface, sizeof interface, "wifi%d", i);
-        // A radio's settings stand under the bare key for radio 1 and under suffix _2 for radio 0.
-        if (scene->radios[i].declared)
-            failed |= load_interface(interface, true, store, i == 1 ? 1 : 2, lines);
-    }
-    for (int i = 0; i < SCENARIO_VAPS; i++) {
-        snprintf(interface, sizeof interface, "ath%d", i);
-        if (state->vaps[i].up)
-            failed |=
-                load_interface(interface, false, store, i + 1, lines) | mac_filter_load(interface, store, i + 1, lines);
-    }
-    return failed;
-}
-
-int driver_parameters_load(const driver_state *state, const scenario *scene, const char *store_path) {
-    store_text store;
-    store_text lines = {};
-    int failed = store_load(store_path, &store);
-    if (failed == 0)
-        failed = load_all(state, scene, &store, &lines);
-    if (failed == 0)
-        failed = lines_save(GATEWAY_PARAMETERS, &lines);
-    store_free(&store);
-    store_free(&lines);
     return failed;
 }
 

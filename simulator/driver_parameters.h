@@ -12,6 +12,11 @@
 
 constexpr size_t PARAMETER_VALUE_SIZE = 16;  // a number of at most 11 characters, or the short text of a text
 
+// The numbers of "maccmd": up to 2 a policy (0 everybody, 1 only those on the list, 2 all others), 3 empties the list,
+// 4 does that and ends the policy.
+constexpr int MACCMD_FLUSH = 3;
+constexpr int MACCMD_DETACH = 4;
+
 enum parameter_kind {
     PARAMETER_NUMBER,  // from least to most
     PARAMETER_TEXT     // least to most printable characters without blanks
@@ -48,9 +53,9 @@ int driver_parameters_read(store_text *lines);
 int driver_parameters_change(int (*how)(store_text *lines, const char *key, const char *value), const char *key,
                              const char *value);
 
-// What the start of the driver does: forgets everything and takes over what the store says for the radios and for the
-// VAPs that are up, MAC filters included. The caller holds the driver's lock. Returns 0, or -1 with errno.
-int driver_parameters_load(const driver_state *state, const scenario *scene, const char *store_path);
+// Puts what the store says for an interface, at its store index, into the lines; values that the driver would refuse
+// are passed over. Returns 0, or -1 when memory ran out.
+int driver_parameters_load(const char *interface, const store_text *store, int index, store_text *lines);
 
-// What taking it down does.
+// Forgets all values, as a driver that is taken down does.
 void driver_parameters_forget(void);

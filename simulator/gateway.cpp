@@ -17,7 +17,7 @@
 #include <unistd.h>
 
 #include "simulator/authenticator/restart.h"
-#include "simulator/driver_parameters.h"
+#include "simulator/driver_start.h"
 #include "simulator/driver_state.h"
 #include "simulator/initial_store.h"
 #include "simulator/internal_address.h"
@@ -206,7 +206,7 @@ static bool lay_down_state(const scenario *scene, driver_state *state) {
     state->loaded = scene->driver != DRIVER_UNLOADED;
     if (scene->driver == DRIVER_UP) {
         driver_bring_up(state, scene, APCFG_STORE);
-        if (driver_parameters_load(state, scene, APCFG_STORE) != 0)
+        if (driver_start_parameters(state, scene, APCFG_STORE) != 0)
             return complain(GATEWAY_PARAMETERS, strerror(errno));
     }
     return driver_state_write(state) == 0 || complain(GATEWAY_DRIVER_STATE, strerror(errno));

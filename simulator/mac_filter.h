@@ -6,11 +6,6 @@
 
 #include "simulator/store.h"
 
-// The driver's numbers for "maccmd": up to 2 a policy (0 everybody, 1 only those on the list, 2 all others), 3 empties
-// the list, 4 does that and ends the policy.
-constexpr int MAC_FILTER_FLUSH = 3;
-constexpr int MAC_FILTER_DETACH = 4;
-
 // Adds an address in its text form, removes one, removes all. An address that is there already, or that is not there,
 // is no error. Return 0, or -1 with errno.
 int mac_filter_add(const char *interface, const char *mac);

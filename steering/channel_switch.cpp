@@ -13,7 +13,7 @@
 // The command with four numbers of eleven characters.
 constexpr size_t SWITCH_COMMAND_SIZE = 96;
 
-static constexpr number_setting IDLE_TIMEOUT = {"AP_INACT", SCOPE_VAP, CHECK_INDEX, ABSENT_FAILS, LOGGED};
+constexpr number_setting IDLE_TIMEOUT = {"AP_INACT", SCOPE_VAP, CHECK_INDEX, ABSENT_FAILS, LOGGED};
 
 int wlan_setChannelSwitch(int index, u_int, u_int channel, u_int count, u_int width) {
     log_debug("[VLK-API] %s %s: wlan_setChannelSwitch entered\n", __func__, __func__);

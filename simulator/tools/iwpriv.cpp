@@ -67,11 +67,11 @@ static int set_maccmd(const private_command *called, const char *interface, char
     if (!driver_parameter_take(parameter, arguments[0], value))
         return EINVAL;
     int number = atoi(value);
-    if (number >= MAC_FILTER_FLUSH && mac_filter_flush(interface) != 0)
+    if (number >= MACCMD_FLUSH && mac_filter_flush(interface) != 0)
         return errno;
-    if (number == MAC_FILTER_FLUSH)
+    if (number == MACCMD_FLUSH)
         return 0;
-    return driver_parameter_set(parameter, interface, number == MAC_FILTER_DETACH ? "0" : value) == 0 ? 0 : errno;
+    return driver_parameter_set(parameter, interface, number == MACCMD_DETACH ? "0" : value) == 0 ? 0 : errno;
 }
 
 static int add_mac(const private_command *, const char *interface, char *const *arguments) {

@@ -10,6 +10,7 @@
 
 #include "simulator/authenticator/restart.h"
 #include "simulator/driver_parameters.h"
+#include "simulator/driver_start.h"
 #include "simulator/driver_state.h"
 #include "simulator/internal_address.h"
 #include "simulator/paths.h"
@@ -42,7 +43,7 @@ static void complain(const char *script, const char *what) {
 
 static void bring_up(driver_state *state, const scenario *scene) {
     driver_bring_up(state, scene, APCFG_STORE);
-    if (driver_parameters_load(state, scene, APCFG_STORE) != 0)
+    if (driver_start_parameters(state, scene, APCFG_STORE) != 0)
         complain("apup", GATEWAY_PARAMETERS);
 }
 

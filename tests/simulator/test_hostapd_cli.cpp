@@ -11,7 +11,7 @@ const std::string FILE_0 = "/nvram/etc/wpa2/WSC_ath0.conf";
 const std::string RESTART =
     "kill $(cat /run/hostapd.pid); /sbin/hostapd -B $(cat /tmp/conf_filename) -e /etc/wpa2/entropy";
 
-const char DISABLED_NONE[] = "PBC Status: Disabled\nLast WPS result: None\n";
+const char NO_EXCHANGE_YET[] = "PBC Status: Disabled\nLast WPS result: None\n";
 const char ACTIVE[] = "PBC Status: Active\nLast WPS result: None\n";
 const char TIMED_OUT[] = "PBC Status: Timed-out\nLast WPS result: Timeout\n";
 
@@ -154,7 +154,7 @@ TEST_F(HostapdCli, WpsIsDisabledWhereTheStoreHadItSwitchedOffAtTheStart) {
     EXPECT_EQ(ask({"wps_pbc"}), "FAIL\n");
     EXPECT_EQ(ask({"wps_pin", "any", "12345670"}), "FAIL\n");
     EXPECT_EQ(ask({"wps_cancel"}), "FAIL\n");
-    EXPECT_EQ(status(), DISABLED_NONE);
+    EXPECT_EQ(status(), NO_EXCHANGE_YET);
     EXPECT_EQ(cli({"-iath8", "wps_pbc"}).output, "OK\n") << "each VAP has its own switch";
     ASSERT_EQ(run_shell(RESTART).status, 0);
     EXPECT_EQ(ask({"wps_pbc"}), "OK\n");
@@ -169,7 +169,7 @@ TEST_F(HostapdCli, WithoutASwitchInTheStoreWpsIsDisabled) {
 // Exchanges
 
 TEST_F(HostapdCli, BeforeAnyExchangeThereIsNoResult) {
-    EXPECT_EQ(status(), DISABLED_NONE);
+    EXPECT_EQ(status(), NO_EXCHANGE_YET);
 }
 
 TEST_F(HostapdCli, APushedButtonLeadsToThePeerOfTheScenarioAfterItsSeconds) {
@@ -234,9 +234,9 @@ TEST_F(HostapdCli, CancellingEndsAnExchangeWithoutAResult) {
     use_scenario("wps 1 seconds=0.2 result=success mac=5C:F9:38:0D:21:06\n");
     ask({"wps_pbc"});
     EXPECT_EQ(ask({"wps_cancel"}), "OK\n");
-    EXPECT_EQ(status(), DISABLED_NONE);
+    EXPECT_EQ(status(), NO_EXCHANGE_YET);
     usleep(250000);
-    EXPECT_EQ(status(), DISABLED_NONE);
+    EXPECT_EQ(status(), NO_EXCHANGE_YET);
     EXPECT_EQ(ask({"wps_cancel"}), "OK\n") << "also when there is nothing to cancel";
 }
 
@@ -252,13 +252,13 @@ TEST_F(HostapdCli, ANewExchangeForgetsTheResultOfTheLast) {
 TEST_F(HostapdCli, AnInterfaceHasItsOwnExchange) {
     ask({"wps_pbc"});
     EXPECT_EQ(status(), ACTIVE);
-    EXPECT_EQ(cli({"-iath8", "wps_status"}).output, DISABLED_NONE);
+    EXPECT_EQ(cli({"-iath8", "wps_status"}).output, NO_EXCHANGE_YET);
 }
 
 TEST_F(HostapdCli, ARestartedAuthenticatorKnowsOfNoExchange) {
     ask({"wps_pbc"});
     ASSERT_EQ(run_shell(RESTART).status, 0);
-    EXPECT_EQ(status(), DISABLED_NONE);
+    EXPECT_EQ(status(), NO_EXCHANGE_YET);
 }
 
 TEST_F(HostapdCli, WithoutATimeInTheStoreAnExchangeLastsTwoMinutes) {
@@ -279,7 +279,7 @@ TEST_F(HostapdCli, APinHasFourDigitsOrEightWithTheirChecksum) {
     for (const char *pin : {"", "1", "123", "12345", "1234567", "12345671", "76543211", "123456700", "1234567x", "12x4",
                             "+234", "1234-567", "12345678901234567890"})
         EXPECT_EQ(ask({"wps_pin", "any", pin}), "FAIL\n") << pin;
-    EXPECT_EQ(status(), DISABLED_NONE) << "a PIN that is none begins nothing";
+    EXPECT_EQ(status(), NO_EXCHANGE_YET) << "a PIN that is none begins nothing";
 }
 
 TEST_F(HostapdCli, APinIsForAnybodyOrForAUuid) {

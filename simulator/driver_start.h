@@ -1,0 +1,12 @@
+// What the driver takes over from the store when its VAPs are brought up: the values of its private commands and the
+// MAC filters.
+//
+// Touches /run/gateway/parameters. Used by apup, and by the launcher for a gateway whose driver is up from the
+// beginning.
+#pragma once
+
+#include "simulator/driver_state.h"
+
+// Forgets all values and takes over what the store says for the radios and for the VAPs that are up. The caller holds
+// the driver's lock. Returns 0, or -1 with errno.
+int driver_start_parameters(const driver_state *state, const scenario *scene, const char *store_path);
