@@ -1,4 +1,4 @@
-// The doors through which the server runs shell commands: one with captured output, one without.
+// The doors through which the server runs shell commands: with captured output, with the beginning of it, without.
 //
 // Touches the platform shell and the PATH of this process. Runs on the service thread and on lifecycle workers.
 #include "config/command.h"
@@ -91,6 +91,16 @@ int athcfg_runcmdf(const char *caller, const char *format, ...) {
 
 int run_shell(const char *command) {
     return system(command);
+}
+
+ssize_t read_command(const char *command, char *bytes, size_t size) {
+    FILE *pipe = popen(command, "re");
+    if (!pipe) {
+        return -1;
+    }
+    size_t length = fread(bytes, 1, size, pipe);
+    pclose(pipe);
+    return static_cast<ssize_t>(length);
 }
 
 static void append_script_directory(void) {

@@ -1,8 +1,11 @@
-// The doors through which the server runs shell commands: one with captured output, one without.
+// The doors through which the server runs shell commands: with captured output, with the beginning of it, without.
 //
 // Touches the platform shell. Service thread and lifecycle workers both call it; it keeps no state but the
 // search path, which is set once.
 #pragma once
+
+#include <stddef.h>
+#include <sys/types.h>
 
 // Runs a shell command and captures its whole standard output.
 //
@@ -24,6 +27,11 @@ int athcfg_runcmdf(const char *caller, const char *format, ...) __attribute__((f
 // Runs a shell command with the server's own standard output and waits for it (a command that ends in '&' is not
 // waited for). Returns what system() returns.
 int run_shell(const char *command);
+
+// Runs a shell command and reads the first bytes of its standard output, at most size of them; they are not terminated.
+// The rest is not read: a command that goes on printing finds its pipe closed.
+// Returns how many bytes there are, -1 when the command could not be started.
+ssize_t read_command(const char *command, char *bytes, size_t size);
 
 // Appends /etc/ath, where the driver's scripts live, to PATH unless PATH names it already. Only the first call
 // does anything. Always returns 0.

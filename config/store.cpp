@@ -134,10 +134,7 @@ static int look_up(int file, const char *search_key, char *value, size_t size) {
     return status;
 }
 
-// Takes the lock that keeps other processes from changing the store meanwhile. Returns its descriptor, or -1 when
-// the lock file cannot be made: the read then goes on unlocked, since a setting read without the lock is better
-// than none. Closing the descriptor releases the lock.
-static int lock_store(void) {
+int lock_store(void) {
     int lock = open(STORE_LOCK_FILE, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (lock < 0) {
         return -1;
@@ -153,7 +150,7 @@ static int lock_store(void) {
     return lock;
 }
 
-static void unlock_store(int lock) {
+void unlock_store(int lock) {
     if (lock >= 0) {
         close(lock);
     }

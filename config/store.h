@@ -15,6 +15,13 @@ constexpr const char STORE_LOCK_FILE[] = "/tmp/.apcfg_lock";
 // A value buffer that takes every ordinary setting: the driver's tool writes lines of at most 1727 characters.
 constexpr size_t STORE_VALUE_SIZE = 1728;
 
+// Takes the lock that keeps other processes from reading or changing the store meanwhile, waiting as long as necessary.
+// Returns what unlock_store wants back: -1 when the lock file cannot be made and the caller goes on unlocked, since a
+// setting read without the lock is better than none. Threads of this process do not exclude each other, and a store
+// read on one thread gives back a lock that another holds: that is how record locks are.
+int lock_store(void);
+void unlock_store(int lock);
+
 // Looks one line up. search_key is the indexed key with its '='. value (size bytes, at least 1) receives the text
 // behind that '=' up to the first CR, LF or NUL, cut to size - 1 characters, and is left alone when nothing is found.
 // Returns 0, or -1 when the key is not there or the store cannot be read. The first line of a key wins.

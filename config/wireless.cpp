@@ -3,18 +3,30 @@
 // Touches the driver's network interfaces. Runs on the service thread.
 #include "config/wireless.h"
 
+#include <errno.h>
 #include <linux/wireless.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
+#include <unistd.h>
+
+#include <bit>
 
 #include "config/log.h"
 
 // Data below this size travels inside the request record, as the wireless extensions lay it down.
 constexpr size_t INLINE_DATA_SIZE = IFNAMSIZ;
 static_assert(INLINE_DATA_SIZE == 16 && sizeof(iwreq_data) >= INLINE_DATA_SIZE);
+
+// Where memory for the driver is looked for: above what a kernel keeps free at the bottom and below 2 GiB, where
+// nothing of an ordinary program lies on any 64-bit machine; a 32-bit program has gaps there. The step is far larger
+// than what is asked for at once.
+constexpr uintptr_t LOW_MEMORY_BEGIN = 0x1000'0000;
+constexpr uintptr_t LOW_MEMORY_END = 0x7000'0000;
+constexpr uintptr_t LOW_MEMORY_STEP = 0x10'0000;
 
 int wlan_ioctl_socket(void) {
     static int shared = -1;
@@ -59,6 +71,44 @@ int wlan_get80211priv(const char *interface, unsigned long request, void *data, 
         memcpy(data, record.u.name, length);
     }
     return record.u.data.length;
+}
+
+int wlan_private_request(const char *interface, unsigned long request, void *data, uint16_t length) {
+    int own = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (own < 0) {
+        return -1;
+    }
+    iwreq record = {};
+    memcpy(record.ifr_name, interface, strnlen(interface, sizeof(record.ifr_name)));
+    record.u.data.pointer = data;
+    record.u.data.length = length;
+    int result = ioctl(own, request, &record);
+    int reason = errno;
+    close(own);
+    errno = reason;
+    return result;
+}
+
+void *low_memory_new(size_t size) {
+    for (uintptr_t address = LOW_MEMORY_BEGIN; address < LOW_MEMORY_END; address += LOW_MEMORY_STEP) {
+        void *wanted = std::bit_cast<void *>(address);
+        void *memory =
+            mmap(wanted, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0);
+        if (memory == wanted) {
+            return memory;
+        }
+        // An old kernel takes the address for a wish.
+        if (memory != MAP_FAILED) {
+            munmap(memory, size);
+        }
+    }
+    return nullptr;
+}
+
+void low_memory_free(void *memory, size_t size) {
+    if (memory) {
+        munmap(memory, size);
+    }
 }
 
 // All of this in unsigned arithmetic: what lies between the bands wraps around, and callers only ever compare the

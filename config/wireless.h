@@ -38,6 +38,15 @@ int wlan_ioctl(const char *interface, unsigned long request, void *data, size_t 
 // Returns -1 on failure (nothing is reported), else the length word that the driver returned.
 int wlan_get80211priv(const char *interface, unsigned long request, void *data, size_t length);
 
+// Issues a private request on a socket of its own, with the data passed by reference whatever its length.
+// Returns what the driver returned; -1 with errno, and nothing reported, when it or the socket failed.
+int wlan_private_request(const char *interface, unsigned long request, void *data, uint16_t length);
+
+// Memory for the driver: it keeps some addresses in 32-bit words, so these bytes lie below 4 GiB on every build.
+// Zeroed. Null when there is no room. The caller gives them back with the same size.
+void *low_memory_new(size_t size);
+void low_memory_free(void *memory, size_t size);
+
 // Channel number of a frequency in MHz.
 unsigned freq_to_channel(unsigned frequency);
 

@@ -19,7 +19,7 @@
 #include "server/dispatch.h"
 #include "server/transport.h"
 #include "server/wire.h"
-#include "survey/collector.h"
+#include "survey/control_channel.h"
 
 constexpr const char INSTANCE_LOCK_FILE[] = "/tmp/.wlanrpc_lock";
 
@@ -34,11 +34,7 @@ constexpr size_t HOSTAPD_COUNT_SIZE = 16;
 // size - 1 bytes of its output are looked at.
 static int count_from(const char *command, size_t size, int unknown) {
     char text[PORTMAP_COUNT_SIZE] = "";
-    FILE *pipe = popen(command, "re");
-    if (!pipe)
-        return unknown;
-    size_t length = fread(text, 1, (size < sizeof text ? size : sizeof text) - 1, pipe);
-    pclose(pipe);
+    ssize_t length = read_command(command, text, (size < sizeof text ? size : sizeof text) - 1);
     return length > 0 ? atoi(text) : unknown;
 }
 
