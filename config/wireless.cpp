@@ -91,6 +91,9 @@ int wlan_private_request(const char *interface, unsigned long request, void *dat
 
 void *low_memory_new(size_t size) {
     for (uintptr_t address = LOW_MEMORY_BEGIN; address < LOW_MEMORY_END; address += LOW_MEMORY_STEP) {
+        if (size > LOW_MEMORY_END - address) {
+            break;  // it would end too high
+        }
         void *wanted = std::bit_cast<void *>(address);
         void *memory =
             mmap(wanted, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0);

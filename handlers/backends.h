@@ -8,5 +8,6 @@
 #include "params/wmm.h"
 #include "params/wps.h"
 #include "steering/airtime.h"
+#include "steering/band_steering.h"
 #include "steering/channel_switch.h"
 #include "steering/mac_list.h"

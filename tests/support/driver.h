@@ -5,6 +5,9 @@
 #include <linux/wireless.h>
 #include <stdint.h>
 
+#include <string>
+#include <vector>
+
 #include "config/wireless.h"
 
 // What the driver was asked last, and what it is to answer.
@@ -20,6 +23,33 @@ struct fake_driver {
     uint16_t length_answer;     // the length word of the answer, when not 0
 };
 extern fake_driver driver;
+
+// A debug request (0x8BF8) as it reached the driver.
+struct seen_debug_request {
+    iwreq record;
+    std::string bytes;   // what the record refers to
+    std::string buffer;  // for 211 bytes with an address in them: what was there; empty otherwise
+    bool is_internet_datagram_socket;
+    bool is_closed_on_exec;
+};
+
+// As much of the buffer is looked at, and filled at most.
+constexpr size_t DEBUG_BUFFER_SIZE = 2048;
+
+// What the driver does with one debug request: fills the buffer, then refuses with the error when that is not 0, or
+// returns the result.
+struct debug_answer {
+    int error;
+    std::string buffer;
+    int result;
+};
+
+// All debug requests, and the answers to the next ones: one each, success without effect when there is none left.
+extern std::vector<seen_debug_request> debug_requests;
+extern std::vector<debug_answer> debug_answers;
+
+// Where the buffer of a debug request of 211 bytes is.
+uint32_t buffer_address_of(const std::string &request);
 
 // Nothing asked; answers everything with success and changes nothing.
 void reset_driver();

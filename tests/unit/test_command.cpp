@@ -2,6 +2,7 @@
 #include "config/command.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -207,6 +208,88 @@ TEST_F(Command, AFormattedCommandWithoutAPipeFailsWithANullOutput) {
     EXPECT_EQ(status, -1);
     EXPECT_EQ(text, nullptr);
 }
+
+// --- the beginning of an output ---
+
+// What was read; the bytes behind it must be as they were.
+std::string beginning_of(const char *command, size_t size) {
+    std::string bytes(size + 8, '?');
+    ssize_t length = read_command(command, bytes.data(), size);
+    EXPECT_GE(length, 0) << command;
+    EXPECT_LE(length, static_cast<ssize_t>(size)) << command;
+    size_t count = static_cast<size_t>(length);
+    EXPECT_EQ(bytes.substr(count), std::string(bytes.size() - count, '?')) << command;
+    return bytes.substr(0, count);
+}
+
+TEST_F(Command, AShortOutputIsReadWholeAndNotTerminated) {
+    EXPECT_EQ(beginning_of("printf 'one\\ntwo'", 128), "one\ntwo");
+}
+
+TEST_F(Command, OfALongOutputTheBeginningIsRead) {
+    EXPECT_EQ(beginning_of("printf 12345678", 7), "1234567");
+    EXPECT_EQ(beginning_of("printf 12345678", 8), "12345678");
+    EXPECT_EQ(beginning_of("printf 12345678", 9), "12345678");
+    EXPECT_EQ(beginning_of("printf 12345678", 1), "1");
+}
+
+TEST_F(Command, BytesOfAllKindsAreRead) {
+    EXPECT_EQ(beginning_of("printf '\\000a\\000\\n\\377\\n\\000'", 128), std::string("\0a\0\n\377\n\0", 7));
+}
+
+TEST_F(Command, AnOutputThatComesInPiecesIsPutTogether) {
+    EXPECT_EQ(beginning_of("printf a; sleep 0.05; printf b; sleep 0.05; printf cd", 3), "abc");
+}
+
+TEST_F(Command, ACommandThatPrintsForEverIsNotReadForEver) {
+    EXPECT_EQ(beginning_of("yes 2>/dev/null", 4), "y\ny\n");
+}
+
+TEST_F(Command, ThereIsNothingToReadOfASilentOrMissingCommand) {
+    printed_text printed = capture([] {
+        EXPECT_EQ(beginning_of("true", 128), "");
+        EXPECT_EQ(beginning_of("exit 3", 128), "");
+        EXPECT_EQ(beginning_of("no_such_tool", 128), "");
+    });
+    EXPECT_EQ(printed.out, "");
+    EXPECT_TRUE(printed.err.find("no_such_tool") != std::string::npos) << printed.err;
+}
+
+TEST_F(Command, TheExitStatusOfACommandThatIsReadIsNotExamined) {
+    EXPECT_EQ(beginning_of("printf text; exit 3", 128), "text");
+}
+
+TEST_F(Command, NothingIsReadOfACommandWithoutAPipe) {
+    char bytes[] = "as it was";
+    begin_descriptor_shortage();
+    ssize_t length = read_command("echo text", bytes, sizeof(bytes));
+    end_descriptor_shortage();
+    EXPECT_EQ(length, -1);
+    EXPECT_STREQ(bytes, "as it was");
+}
+
+TEST_F(Command, ACommandThatIsReadIsWaitedFor) {
+    std::string file = std::string(FAKE_TOOLS) + "/done";
+    EXPECT_EQ(beginning_of(("exec 3>&1; printf ab; exec >&- 3>&-; sleep 0.2; echo yes >" + file).c_str(), 2), "ab");
+    EXPECT_EQ(read_file(file), "yes\n");
+}
+
+TEST_F(Command, ReadingLeavesNoDescriptorOpen) {
+    int before = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0);
+    close(before);
+    beginning_of("printf 12345678", 2);
+    int after = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0);
+    close(after);
+    EXPECT_EQ(after, before);
+}
+
+TEST_F(Command, ReadingIsNotLogged) {
+    set_debug(true);
+    printed_text printed = capture([] { beginning_of("echo text", 128); });
+    EXPECT_EQ(printed.out + printed.err, "");
+}
+
+// --- both, and the shell ---
 
 TEST_F(Command, CommandsOfSeveralThreadsDoNotMix) {
     constexpr int THREADS = 4;

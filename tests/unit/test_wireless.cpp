@@ -7,8 +7,10 @@
 #include <linux/wireless.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <string>
 
@@ -142,6 +144,177 @@ TEST_F(Wireless, AFailedPrivateRequestReturnsMinusOneAndPrintsNothing) {
     EXPECT_EQ(status, -1);
     EXPECT_EQ(std::string(data, 4), "kept");
     EXPECT_EQ(printed.out + printed.err, "");
+}
+
+// --- private requests on a socket of their own ---
+
+// The number of a request that the driver's side looks into: see tests/support/driver.h.
+constexpr unsigned long DEBUG_REQUEST = 0x8BF8;
+
+// The descriptor that is given out next.
+int lowest_free_descriptor() {
+    int descriptor = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0);
+    close(descriptor);
+    return descriptor;
+}
+
+TEST_F(Wireless, AnOwnRequestPassesDataOfAnyLengthByReference) {
+    char data[211] = {};
+    for (uint16_t length : {1, 15, 16, 211}) {
+        EXPECT_EQ(wlan_private_request("ath7", 0x8BE1, data, length), 0);
+        EXPECT_EQ(driver.request, 0x8BE1UL);
+        EXPECT_EQ(driver.record.u.data.pointer, data);
+        EXPECT_EQ(driver.record.u.data.length, length);
+        EXPECT_EQ(driver.record.u.data.flags, 0);
+    }
+    EXPECT_EQ(driver.calls, 4);
+}
+
+TEST_F(Wireless, AnOwnRequestNamesItsInterfaceFilledUpWithZeros) {
+    char data[16] = {};
+    wlan_private_request("ath15", 0x8BE1, data, sizeof(data));
+    EXPECT_EQ(std::string(driver.record.ifr_name, 16), std::string("ath15") + std::string(11, '\0'));
+}
+
+TEST_F(Wireless, AnOwnRequestCutsTheInterfaceNameToSixteenCharacters) {
+    char data[16] = {};
+    wlan_private_request("0123456789abcdefghi", 0x8BE1, data, sizeof(data));
+    EXPECT_EQ(std::string(driver.record.ifr_name, 16), "0123456789abcdef");
+    EXPECT_EQ(driver.record.u.data.pointer, data);
+}
+
+TEST_F(Wireless, AnOwnRequestGoesOutOnAnInternetDatagramSocketThatIsClosedOnExec) {
+    char data[16] = {};
+    wlan_private_request("ath0", DEBUG_REQUEST, data, sizeof(data));
+    ASSERT_EQ(debug_requests.size(), 1U);
+    EXPECT_TRUE(debug_requests[0].is_internet_datagram_socket);
+    EXPECT_TRUE(debug_requests[0].is_closed_on_exec);
+}
+
+TEST_F(Wireless, AnOwnRequestDoesNotUseTheSharedSocket) {
+    char data[16] = {};
+    int shared = wlan_ioctl_socket();
+    wlan_private_request("ath0", 0x8BE1, data, sizeof(data));
+    EXPECT_NE(driver.descriptor, shared);
+    EXPECT_EQ(wlan_ioctl_socket(), shared);
+    EXPECT_GE(fcntl(shared, F_GETFD), 0);
+}
+
+TEST_F(Wireless, AnOwnRequestReturnsWhatTheDriverReturns) {
+    debug_answers = {{0, "", 17}, {0, "", 0}};
+    char data[16] = {};
+    EXPECT_EQ(wlan_private_request("ath0", DEBUG_REQUEST, data, sizeof(data)), 17);
+    EXPECT_EQ(wlan_private_request("ath0", DEBUG_REQUEST, data, sizeof(data)), 0);
+}
+
+TEST_F(Wireless, AnOwnRequestThatTheDriverRefusesIsNotReportedButSaysWhy) {
+    driver.error = EPERM;
+    char data[16] = {};
+    int status = 0;
+    int reason = 0;
+    printed_text printed = capture([&] {
+        status = wlan_private_request("ath0", 0x8BE1, data, sizeof(data));
+        reason = errno;
+    });
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(reason, EPERM);
+    EXPECT_EQ(printed.out + printed.err, "");
+}
+
+TEST_F(Wireless, AnOwnRequestWithoutASocketFailsAndReachesNobody) {
+    char data[16] = {};
+    begin_descriptor_shortage();
+    int status = wlan_private_request("ath0", 0x8BE1, data, sizeof(data));
+    int reason = errno;
+    end_descriptor_shortage();
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(reason, EMFILE);
+    EXPECT_EQ(driver.calls, 0);
+}
+
+TEST_F(Wireless, AnOwnRequestLeavesNoDescriptorOpen) {
+    char data[16] = {};
+    int before = lowest_free_descriptor();
+    wlan_private_request("ath0", 0x8BE1, data, sizeof(data));
+    EXPECT_EQ(lowest_free_descriptor(), before);
+    driver.error = EPERM;
+    wlan_private_request("ath0", 0x8BE1, data, sizeof(data));
+    EXPECT_EQ(lowest_free_descriptor(), before);
+}
+
+// --- memory for the driver ---
+
+constexpr uintptr_t FOUR_GIBIBYTES = uintptr_t{0xffff'ffff};
+
+// Whether a page is mapped at this address.
+bool is_mapped(void *address) {
+    return msync(address, 1, MS_ASYNC) == 0;
+}
+
+TEST_F(Wireless, MemoryForTheDriverLiesBelowFourGibibytesToItsLastByte) {
+    for (size_t size : {1UL, 2048UL, 4096UL, 5UL << 20}) {
+        char *memory = static_cast<char *>(low_memory_new(size));
+        ASSERT_NE(memory, nullptr) << size;
+        EXPECT_LE(reinterpret_cast<uintptr_t>(memory) + size - 1, FOUR_GIBIBYTES) << size;
+        low_memory_free(memory, size);
+    }
+}
+
+TEST_F(Wireless, MemoryForTheDriverIsZeroedAndWritableToItsLastByte) {
+    constexpr size_t SIZE = 2048;
+    // What the first one leaves behind must not be in the second.
+    for (int round = 0; round < 2; round++) {
+        char *memory = static_cast<char *>(low_memory_new(SIZE));
+        ASSERT_NE(memory, nullptr);
+        EXPECT_EQ(std::string(memory, SIZE), std::string(SIZE, '\0'));
+        memset(memory, 'x', SIZE);
+        low_memory_free(memory, SIZE);
+    }
+}
+
+// The second one is larger than the distance between two places that are tried.
+TEST_F(Wireless, SeveralPiecesOfMemoryForTheDriverDoNotOverlap) {
+    struct {
+        size_t size;
+        char *memory;
+    } pieces[] = {{2048, nullptr}, {3 << 20, nullptr}, {1, nullptr}, {2048, nullptr}};
+    for (auto &piece : pieces) {
+        piece.memory = static_cast<char *>(low_memory_new(piece.size));
+        ASSERT_NE(piece.memory, nullptr);
+        memset(piece.memory, static_cast<int>('a' + (&piece - pieces)), piece.size);
+    }
+    for (auto &piece : pieces) {
+        char letter = static_cast<char>('a' + (&piece - pieces));
+        EXPECT_EQ(std::string(piece.memory, piece.size), std::string(piece.size, letter));
+        low_memory_free(piece.memory, piece.size);
+    }
+}
+
+TEST_F(Wireless, MemoryForTheDriverIsGivenBackWhole) {
+    constexpr size_t SIZE = 3 * 4096;
+    char *memory = static_cast<char *>(low_memory_new(SIZE));
+    ASSERT_NE(memory, nullptr);
+    EXPECT_TRUE(is_mapped(memory));
+    EXPECT_TRUE(is_mapped(memory + 2 * 4096));
+    low_memory_free(memory, SIZE);
+    EXPECT_FALSE(is_mapped(memory));
+    EXPECT_FALSE(is_mapped(memory + 2 * 4096));
+}
+
+TEST_F(Wireless, NoMemoryForTheDriverIsNull) {
+    rlimit whole = {};
+    ASSERT_EQ(getrlimit(RLIMIT_AS, &whole), 0);
+    rlimit none = whole;
+    none.rlim_cur = 1;
+    setrlimit(RLIMIT_AS, &none);
+    void *memory = low_memory_new(2048);
+    setrlimit(RLIMIT_AS, &whole);
+    EXPECT_EQ(memory, nullptr);
+}
+
+TEST_F(Wireless, MemoryForTheDriverThatWouldReachTooHighIsNull) {
+    EXPECT_EQ(low_memory_new(size_t{0xf800'0000}), nullptr);
+    EXPECT_EQ(low_memory_new(SIZE_MAX), nullptr);
 }
 
 // --- the channel table ---
