@@ -11,3 +11,4 @@
 #include "steering/band_steering.h"
 #include "steering/channel_switch.h"
 #include "steering/mac_list.h"
+#include "steering/soft_block.h"
