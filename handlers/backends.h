@@ -1,6 +1,7 @@
 // Every room with back ends, for the handlers that call them.
 #pragma once
 
+#include "config/factory_defaults.h"
 #include "params/rates.h"
 #include "params/security.h"
 #include "params/tuning.h"

@@ -7,8 +7,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <system_error>
 
 #include "config/log.h"
 #include "config/store.h"
@@ -164,6 +167,33 @@ void restart_driver() {
                "AP_WPA_9=2", "WPS_ENABLE=2", "WPS_ENABLE_9=2", "AP_SSID=Home"});
     command_output apup = run_command("apup");
     EXPECT_EQ(apup.status, 0) << apup.errors;
+}
+
+// Every file that belongs to the settings of the gateway.
+static strings settings_files() {
+    strings paths;
+    std::error_code error;
+    for (const auto &entry : std::filesystem::recursive_directory_iterator("/nvram", error))
+        if (entry.is_regular_file(error))
+            paths.push_back(entry.path());
+    for (const char *path : {STORE_FILE, "/tmp/wifi_defaults.dat"})
+        if (std::filesystem::is_regular_file(path, error))
+            paths.push_back(path);
+    return paths;
+}
+
+kept_settings::kept_settings() {
+    for (const std::string &path : settings_files())
+        files.push_back({path, read_file(path.c_str())});
+}
+
+void kept_settings::put_back() const {
+    for (const std::string &path : settings_files())
+        if (std::none_of(files.begin(), files.end(), [&](const kept_file &file) { return file.path == path; }))
+            unlink(path.c_str());
+    for (const kept_file &file : files)
+        if (access(file.path.c_str(), F_OK) != 0 || read_file(file.path.c_str()) != file.content)
+            write_file(file.path.c_str(), file.content);
 }
 
 command_output run_command(const std::string &command) {

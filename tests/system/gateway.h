@@ -79,6 +79,21 @@ std::string store_value(const std::string &key);
 // store has nothing else.
 void restart_driver();
 
+// Keeps what restoring factory defaults changes or removes, to put it back: the store, the defaults file, everything
+// that lies in /nvram.
+class kept_settings {
+public:
+    kept_settings();
+    void put_back() const;
+
+private:
+    struct kept_file {
+        std::string path;
+        std::string content;
+    };
+    std::vector<kept_file> files;
+};
+
 // Runs a shell command: its standard output, and its exit status.
 struct command_output {
     int status;

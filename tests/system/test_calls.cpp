@@ -42,6 +42,23 @@ bool handler_was_called(const char *procedure, size_t mark) {
     return false;
 }
 
+// Among all procedures is the one that restores factory defaults: here of a file without any, and what it removes all
+// the same comes back.
+class ready_for_every_procedure {
+public:
+    ready_for_every_procedure() {
+        write_file("/tmp/wifi_defaults.dat", "");
+    }
+    ~ready_for_every_procedure() {
+        kept.put_back();
+    }
+    ready_for_every_procedure(const ready_for_every_procedure &) = delete;
+    ready_for_every_procedure &operator=(const ready_for_every_procedure &) = delete;
+
+private:
+    kept_settings kept;
+};
+
 class Procedures : public testing::TestWithParam<procedure_row> {
 protected:
     void SetUp() override {
@@ -50,6 +67,9 @@ protected:
     void TearDown() override {
         set_debug(false);
     }
+
+private:
+    ready_for_every_procedure ready;
 };
 
 // The smoke test of every row: an offered procedure reaches its handler and answers with its kind of result, a pending
@@ -270,6 +290,7 @@ bool is_complaint_of_a_missing_daemon(const std::string &line) {
 }
 
 TEST(Calls, WithoutTheDebugSwitchNoHandlerWritesAnything) {
+    ready_for_every_procedure ready;
     set_debug(false);
     size_t mark = mark_of(SERVER_LOG_FILE);
     for (size_t i = 0; i < procedure_row_count; i++)

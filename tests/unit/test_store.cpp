@@ -1,17 +1,13 @@
 // The key=value store: which line answers, where its value ends, what is locked, and how a setting is written.
 #include "config/store.h"
 
-#include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <limits.h>
 #include <pthread.h>
 #include <signal.h>
-#include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <string>
@@ -19,6 +15,7 @@
 #include <vector>
 
 #include "tests/support/platform.h"
+#include "tests/support/store_lock.h"
 
 namespace {
 
@@ -276,32 +273,6 @@ TEST_F(Store, ALookupGoesOnUnlockedWhenTheLockFileCannotBeMade) {
     EXPECT_EQ(get(1, "K"), "1");
 }
 
-// Takes the store's lock as another program would, waiting for it or not.
-bool take_lock(int command) {
-    int lock = open(STORE_LOCK_FILE, O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
-    struct flock whole_file = {};
-    whole_file.l_type = F_WRLCK;
-    whole_file.l_whence = SEEK_SET;
-    return fcntl(lock, command, &whole_file) == 0;
-}
-
-// Runs the block in a process of its own, which ends with 0 when the block returns true.
-template <typename Block>
-pid_t start_process(Block block) {
-    pid_t child = fork();
-    if (child == 0) {
-        _exit(block() ? 0 : 1);
-    }
-    return child;
-}
-
-bool has_succeeded(pid_t child) {
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
 TEST_F(Store, TheLockIsHeldWhileTheStoreIsRead) {
     // A store that is a pipe lets the other side look around in the middle of the lookup.
     ASSERT_EQ(mkfifo(STORE_FILE, 0600), 0);
@@ -318,72 +289,17 @@ TEST_F(Store, TheLockIsReleasedAfterALookup) {
     write_store({"K=1"});
     get(1, "K");
     get(1, "ABSENT");
-    EXPECT_TRUE(has_succeeded(start_process([] { return take_lock(F_SETLK); })));
+    EXPECT_TRUE(is_lock_free());
 }
 
 TEST_F(Store, TheLockIsReleasedWhenTheStoreCannotBeOpened) {
     get(1, "K");
-    EXPECT_TRUE(has_succeeded(start_process([] { return take_lock(F_SETLK); })));
-}
-
-// Whether some process waits for the lock.
-bool is_lock_awaited() {
-    struct stat lock = {};
-    if (stat(STORE_LOCK_FILE, &lock) != 0) {
-        return false;
-    }
-    // A waiting process is a line with an arrow that names the file by its inode.
-    std::string inode = ":" + std::to_string(lock.st_ino) + " ";
-    std::string locks = read_file("/proc/locks");
-    for (size_t arrow = 0; (arrow = locks.find("->", arrow)) != std::string::npos; arrow++) {
-        std::string line = locks.substr(arrow, locks.find('\n', arrow) - arrow);
-        if (line.find(inode) != std::string::npos) {
-            return true;
-        }
-    }
-    return false;
-}
-
-// Ends the process with a failure when nobody comes to wait: whoever should has gone on without the lock.
-void wait_until_lock_is_awaited() {
-    constexpr int PATIENCE_MS = 10000;
-    for (int waited = 0; !is_lock_awaited(); waited++) {
-        if (waited == PATIENCE_MS) {
-            _exit(1);
-        }
-        usleep(1000);
-    }
-}
-
-// Starts a process that holds the lock, and returns when it does. Once somebody waits for it, the process runs the
-// block, writes "K=new" into the store and ends.
-template <typename Block>
-pid_t start_lock_holder(Block block) {
-    int ready[2];
-    if (pipe2(ready, O_CLOEXEC) != 0) {
-        abort();
-    }
-    pid_t holder = start_process([&] {
-        if (!take_lock(F_SETLK) || write(ready[1], "", 1) != 1) {
-            return false;
-        }
-        wait_until_lock_is_awaited();
-        block();
-        write_store({"K=new"});
-        return true;
-    });
-    char byte;
-    if (read(ready[0], &byte, 1) != 1) {
-        abort();
-    }
-    close(ready[0]);
-    close(ready[1]);
-    return holder;
+    EXPECT_TRUE(is_lock_free());
 }
 
 TEST_F(Store, ALookupWaitsForTheLockOfAnotherProcess) {
     write_store({"K=old"});
-    pid_t holder = start_lock_holder([] {});
+    pid_t holder = start_lock_holder([] { write_store({"K=new"}); });
     EXPECT_EQ(get(1, "K"), "new");
     EXPECT_TRUE(has_succeeded(holder));
 }
@@ -401,29 +317,11 @@ TEST_F(Store, ASignalDoesNotEndTheWaitForTheLock) {
             usleep(1000);
             wait_until_lock_is_awaited();
         }
+        write_store({"K=new"});
     });
     EXPECT_EQ(get(1, "K"), "new");
     EXPECT_TRUE(has_succeeded(holder));
     sigaction(SIGUSR1, &kept, nullptr);
-}
-
-// Whether every descriptor of this process on the file is closed on exec; false when there is none.
-bool is_closed_on_exec(const char *path) {
-    struct stat wanted = {};
-    int found = 0;
-    int inherited = 0;
-    if (stat(path, &wanted) != 0) {
-        return false;
-    }
-    for (int descriptor = 0; descriptor < 256; descriptor++) {
-        struct stat seen = {};
-        std::string link = "/proc/self/fd/" + std::to_string(descriptor);
-        if (stat(link.c_str(), &seen) == 0 && seen.st_ino == wanted.st_ino && seen.st_dev == wanted.st_dev) {
-            found++;
-            inherited += (fcntl(descriptor, F_GETFD) & FD_CLOEXEC) == 0;
-        }
-    }
-    return found > 0 && inherited == 0;
 }
 
 TEST_F(Store, WhatALookupOpensIsClosedOnExec) {
@@ -444,13 +342,74 @@ TEST_F(Store, WhatALookupOpensIsClosedOnExec) {
 
 TEST_F(Store, ALookupLeavesNothingOpen) {
     write_store({"K=1"});
-    int before = dup(STDIN_FILENO);
-    close(before);
+    int before = lowest_free_descriptor();
     get(1, "K");
     get(1, "ABSENT");
-    int after = dup(STDIN_FILENO);
-    close(after);
-    EXPECT_EQ(after, before);
+    EXPECT_EQ(lowest_free_descriptor(), before);
+}
+
+// --- the lock, for whoever needs it longer ---
+
+TEST_F(Store, TheLockIsHeldFromLockingToUnlocking) {
+    int lock = lock_store();
+    EXPECT_FALSE(is_lock_free());
+    unlock_store(lock);
+    EXPECT_TRUE(is_lock_free());
+}
+
+// Wherever somebody writes, another one may not write: half of the file would not do.
+TEST_F(Store, TheLockCoversTheWholeLockFile) {
+    int lock = lock_store();
+    for (off_t start : {0, 1, 1000000}) {
+        EXPECT_TRUE(has_succeeded(start_process([start] {
+            int file = open(STORE_LOCK_FILE, O_WRONLY | O_CLOEXEC);
+            struct flock one_byte = {};
+            one_byte.l_type = F_WRLCK;
+            one_byte.l_whence = SEEK_SET;
+            one_byte.l_start = start;
+            one_byte.l_len = 1;
+            return fcntl(file, F_GETLK, &one_byte) == 0 && one_byte.l_type == F_WRLCK;
+        }))) << "byte "
+             << start;
+    }
+    unlock_store(lock);
+}
+
+TEST_F(Store, LockingWaitsUntilAnotherProcessUnlocks) {
+    pid_t holder = start_lock_holder([] { write_file(STORE_FILE, "left by the holder"); });
+    int lock = lock_store();
+    EXPECT_EQ(read_file(STORE_FILE), "left by the holder");
+    EXPECT_TRUE(has_succeeded(holder));
+    unlock_store(lock);
+}
+
+TEST_F(Store, LockingMakesTheLockFileAndEmptiesIt) {
+    unlock_store(lock_store());
+    EXPECT_EQ(access(STORE_LOCK_FILE, F_OK), 0);
+    write_file(STORE_LOCK_FILE, "somebody's note");
+    unlock_store(lock_store());
+    EXPECT_EQ(read_file(STORE_LOCK_FILE), "");
+}
+
+TEST_F(Store, LockingWithoutALockFileSaysSoAndThereIsNothingToUnlock) {
+    ASSERT_EQ(mkdir(STORE_LOCK_FILE, 0755), 0);
+    int before = lowest_free_descriptor();
+    int lock = lock_store();
+    EXPECT_EQ(lock, -1);
+    unlock_store(lock);
+    EXPECT_EQ(lowest_free_descriptor(), before);
+}
+
+TEST_F(Store, ALockIsClosedOnExec) {
+    int lock = lock_store();
+    EXPECT_TRUE(is_closed_on_exec(STORE_LOCK_FILE));
+    unlock_store(lock);
+}
+
+TEST_F(Store, UnlockingLeavesNothingOpen) {
+    int before = lowest_free_descriptor();
+    unlock_store(lock_store());
+    EXPECT_EQ(lowest_free_descriptor(), before);
 }
 
 TEST_F(Store, ALookupFitsTheStackOfAWorker) {
