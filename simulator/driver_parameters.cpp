@@ -17,6 +17,8 @@ static const driver_parameter parameters[] = {
     {"l2tif", "get_l2tif", false, PARAMETER_NUMBER, 0, 1, "0", "AP_STATIONISOLATE"},
     {"inact", "get_inact", false, PARAMETER_NUMBER, 0, 65535, "300", "AP_INACT"},
     {"maccmd", "get_maccmd", false, PARAMETER_NUMBER, 0, MACCMD_DETACH, "0", nullptr},
+    // No private command: what the band steering was started with, for those that ask about its state.
+    {"bandsteering", "get_bandsteering", false, PARAMETER_NUMBER, 0, 2, "0", "BS_BSS_ENABLE"},
 };
 
 // Room for "ath15." and a parameter's name.

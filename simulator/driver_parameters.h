@@ -1,8 +1,9 @@
 // What the driver keeps for its private commands: one row a parameter, and the file where the values stand.
 //
-// Touches /run/gateway/parameters, lines like "ath0.inact=300" and "wifi1.txchainmask=7"; the VAPs' MAC filters stand
-// in it too (mac_filter). Written under the driver's lock and replaced in one step, read by anybody. A parameter
-// without a line has its start value, so a driver that was just loaded has no file at all.
+// Touches /run/gateway/parameters, lines like "ath0.inact=300" and "wifi1.txchainmask=7"; the VAPs' MAC filters and
+// band steering's tables stand in it too (mac_filter, steering_tables). Written under the driver's lock and replaced in
+// one step, read by anybody. A parameter without a line has its start value, so a driver that was just loaded has no
+// file at all.
 #pragma once
 
 #include <stddef.h>

@@ -5,6 +5,7 @@
 #include "simulator/driver_parameters.h"
 #include "simulator/mac_filter.h"
 #include "simulator/paths.h"
+#include "simulator/steering_tables.h"
 #include "simulator/store.h"
 
 static int load_all(const driver_state *state, const scenario *scene, const store_text *store, store_text *lines) {
@@ -20,7 +21,8 @@ static int load_all(const driver_state *state, const scenario *scene, const stor
         snprintf(interface, sizeof interface, "ath%d", i);
         if (state->vaps[i].up)
             failed |= driver_parameters_load(interface, store, i + 1, lines) |
-                      mac_filter_load(interface, store, i + 1, lines);
+                      mac_filter_load(interface, store, i + 1, lines) |
+                      steering_tables_load(interface, scene, i + 1, lines);
     }
     return failed;
 }

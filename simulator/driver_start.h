@@ -1,8 +1,7 @@
-// What the driver takes over from the store when its VAPs are brought up: the values of its private commands and the
-// MAC filters.
+// What the driver takes over when its VAPs are brought up: the values of its private commands and the MAC filters from
+// the store, band steering's tables from the scenario.
 //
-// Touches /run/gateway/parameters. Used by apup, and by the launcher for a gateway whose driver is up from the
-// beginning.
+// Touches /run/gateway/parameters. Used by driver_life, whenever VAPs come up.
 #pragma once
 
 #include "simulator/driver_state.h"

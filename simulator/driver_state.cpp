@@ -1,7 +1,6 @@
 #include "simulator/driver_state.h"
 
 #include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 #include <time.h>
 #include <unistd.h>
@@ -21,6 +20,8 @@ static void read_state_line(driver_state *state, const char *line) {
     double time;
     if (strcmp(line, "loaded\n") == 0)
         state->loaded = true;
+    else if (sscanf(line, "absent wifi%d", &number) == 1 && number >= 0 && number < SCENARIO_RADIOS)
+        state->absent[number] = true;
     else if (sscanf(line, "up ath%d %lf", &number, &time) == 2 && number >= 0 && number < SCENARIO_VAPS)
         state->vaps[number] = {true, time};
     else if (sscanf(line, "channel wifi%d %u", &number, &channel) == 2 && number >= 0 && number < SCENARIO_RADIOS)
@@ -54,6 +55,8 @@ int driver_state_write(const driver_state *state) {
             fprintf(file, "up ath%d %.6f\n", i, state->vaps[i].since);
     }
     for (int i = 0; i < SCENARIO_RADIOS; i++) {
+        if (state->absent[i])
+            fprintf(file, "absent wifi%d\n", i);
         if (state->channel[i] != 0)
             fprintf(file, "channel wifi%d %u\n", i, state->channel[i]);
         if (state->announced[i].channel != 0)
@@ -73,7 +76,8 @@ bool driver_has_interface(const driver_state *state, const char *name) {
     int vap = vap_of_interface(name);
     if (vap >= 0)
         return state->vaps[vap].up;
-    return radio_of_device(name) >= 0 && state->loaded;
+    int radio = radio_of_device(name);
+    return radio >= 0 && state->loaded && !state->absent[radio];
 }
 
 unsigned driver_channel(const driver_state *state, int radio) {
@@ -90,33 +94,4 @@ void driver_announce_channel(driver_state *state, int radio, unsigned channel, d
     // Until then the radio stays where it is, which may be where an earlier announcement led it.
     state->channel[radio] = driver_channel(state, radio);
     state->announced[radio] = {channel, at};
-}
-
-// A decimal setting of the store, 0 when absent.
-static int setting(const store_text *store, const char *name, int index) {
-    char key[SETTING_KEY_SIZE];
-    store_key(name, index, key, sizeof key);
-    size_t length;
-    const char *value = store_find(store, key, &length);
-    // The value ends in LF, which atoi stops at.
-    return value != nullptr ? atoi(value) : 0;
-}
-
-void driver_bring_up(driver_state *state, const scenario *scene, const char *store_path) {
-    store_text store;
-    if (store_load(store_path, &store) != 0)
-        return;
-    state->loaded = true;
-    for (int i = 0; i < SCENARIO_VAPS; i++) {
-        const scenario_vap *vap = &scene->vaps[i];
-        // A radio's settings stand under the bare key for radio 1 and under suffix _2 for radio 0.
-        bool wanted = vap->declared && setting(&store, "AP_RADIO_ENABLED", vap->radio == 1 ? 1 : 2) != 0 &&
-                      setting(&store, "AP_ENABLE", i + 1) != 0;
-        if (wanted && !state->vaps[i].up)
-            state->vaps[i].since = driver_clock();
-        state->vaps[i].up = wanted;
-    }
-    for (int i = 0; i < SCENARIO_RADIOS; i++)
-        driver_choose_channel(state, i, 0);
-    store_free(&store);
 }

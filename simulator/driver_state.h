@@ -20,6 +20,7 @@ struct driver_switch {
 
 struct driver_state {
     bool loaded;
+    bool absent[SCENARIO_RADIOS];  // not found on the bus when the driver looked
     driver_vap vaps[SCENARIO_VAPS];
     unsigned channel[SCENARIO_RADIOS];  // chosen by hand, 0 when the store says it
     driver_switch announced[SCENARIO_RADIOS];
@@ -38,8 +39,8 @@ int driver_state_write(const driver_state *state);
 // Takes the lock around a change; closing the descriptor gives it back. -1 with errno when there is none.
 int driver_state_lock(void);
 
-// Whether a wireless interface is there: athN when its VAP is up, wifiN when the driver is loaded. Names that are
-// neither are not there.
+// Whether a wireless interface is there: athN when its VAP is up, wifiN when the driver is loaded and has found the
+// radio. Names that are neither are not there.
 bool driver_has_interface(const driver_state *state, const char *name);
 
 // The channel that was last given to a radio and that it has taken up; 0 when the store says it.
@@ -48,7 +49,3 @@ unsigned driver_channel(const driver_state *state, int radio);
 // Gives a radio a channel: at once, which ends an announcement, or at a time on the boot clock.
 void driver_choose_channel(driver_state *state, int radio, unsigned channel);
 void driver_announce_channel(driver_state *state, int radio, unsigned channel, double at);
-
-// Brings up every VAP that the store enables (AP_ENABLE) on a radio that the store enables (AP_RADIO_ENABLED), takes
-// the others down and forgets chosen channels: what the driver does when it is started.
-void driver_bring_up(driver_state *state, const scenario *scene, const char *store_path);

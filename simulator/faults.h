@@ -1,7 +1,7 @@
 // The faults that can be switched on in the simulated gateway.
 //
 // Touches /run/gateway/faults, one small file a fault; a fault counts as soon as its file is there. Any thread may
-// ask. A fault's name is that of a tool ("iwconfig"), "popen", "system", or "ioctl:0x8be7".
+// ask. A fault's name is that of a tool ("iwconfig"), "popen", "system", "ioctl:0x8be7", or "blacklist2g".
 #pragma once
 
 #include <stddef.h>
@@ -9,6 +9,9 @@
 // The longest name and value with their NUL: "ioctl:0x" and eight digits, "slow 86400.000".
 constexpr size_t FAULT_NAME_SIZE = 32;
 constexpr size_t FAULT_VALUE_SIZE = 32;
+
+// The fault that makes the driver lie about the number of stations on a black list; its value is what it says.
+constexpr const char BLACKLIST_FAULT[] = "blacklist2g";
 
 // True when the fault is on; value (size bytes) then holds its value, else it is empty.
 bool fault_get(const char *name, char *value, size_t size);

@@ -17,8 +17,10 @@
 #include <unistd.h>
 
 #include "simulator/authenticator/restart.h"
-#include "simulator/driver_start.h"
-#include "simulator/driver_state.h"
+#include "simulator/board.h"
+#include "simulator/capable_table.h"
+#include "simulator/driver_life.h"
+#include "simulator/factory_defaults.h"
 #include "simulator/initial_store.h"
 #include "simulator/internal_address.h"
 #include "simulator/namespaces.h"
@@ -194,7 +196,27 @@ static bool copy_scenario(const char *text, size_t length) {
            write_file(GATEWAY_JOURNAL, "", 0) && write_file(GATEWAY_SCENARIO, text, length);
 }
 
-// The store, the WPS files and the state of the driver that the scenario begins with.
+// What the driver's scripts would have done, at once.
+static bool start_driver(const scenario *scene, driver_state *state) {
+    int coming[SCENARIO_VAPS];
+    int count = 0;
+    bool up = scene->driver == DRIVER_UP;
+    int failed = board_start() | driver_remove();
+    if (scene->driver != DRIVER_UNLOADED)
+        failed |= driver_insert();
+    if (up)
+        failed |= driver_start_begin(scene, APCFG_STORE, coming, &count);
+    for (int i = 0; i < count; i++)
+        failed |= driver_start_vap(scene, APCFG_STORE, coming[i]);
+    if (up)
+        failed |= driver_start_end(scene, APCFG_STORE);
+    driver_state_read(state);
+    if (failed != 0)
+        return complain(GATEWAY_DIRECTORY, strerror(errno));
+    return capable_table_complete(state, scene) == 0 || complain(CAPABLE_TABLE, strerror(errno));
+}
+
+// The store, the WPS files, the factory defaults and the state of the driver that the scenario begins with.
 static bool lay_down_state(const scenario *scene, driver_state *state) {
     store_text store;
     bool laid = initial_store(scene, &store) == 0 && store_save(APCFG_STORE, &store) == 0;
@@ -203,13 +225,9 @@ static bool lay_down_state(const scenario *scene, driver_state *state) {
         return complain(APCFG_STORE, strerror(errno));
     if (wps_files_prepare(scene, APCFG_STORE) != 0)
         return complain(WPS_DIRECTORY, strerror(errno));
-    state->loaded = scene->driver != DRIVER_UNLOADED;
-    if (scene->driver == DRIVER_UP) {
-        driver_bring_up(state, scene, APCFG_STORE);
-        if (driver_start_parameters(state, scene, APCFG_STORE) != 0)
-            return complain(GATEWAY_PARAMETERS, strerror(errno));
-    }
-    return driver_state_write(state) == 0 || complain(GATEWAY_DRIVER_STATE, strerror(errno));
+    if (factory_defaults_lay_down(scene) != 0)
+        return complain(GATEWAY_DEFAULTS, strerror(errno));
+    return start_driver(scene, state);
 }
 
 // What runs beside the driver when nobody has called a script yet. An authenticator that does not start is a gateway

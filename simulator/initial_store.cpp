@@ -2,6 +2,8 @@
 
 #include <stdarg.h>
 #include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
 
 struct setting {
     const char *name;
@@ -29,8 +31,6 @@ static const setting device_settings[] = {
     {"BS_SE_TARGETLOWRSSITHRESHOLD_W5", "20"},
     {"BS_SE_TSTEERING", "15"},
     {"BS_SE_AUTHREJMAX", "3"},
-    {"AP_ENABLE_ATF", "0"},
-    {"AP_ENABLE_ATF_2", "0"},
     {"SOFT_BLOCK_EN", "0"},
     {"SOFT_BLOCK_BLACK_LIST_SELECTOR", "0"},
     {"SOFT_BLOCK_SELECTOR", "0"},
@@ -71,6 +71,7 @@ static const radio_setting radio_settings[] = {
     {"AP_TXBURST", "1", "1"},
     {"AP_TXBF", "0", "1"},
     {"AP_BLK_DFS", "0", "1"},
+    {"AP_ENABLE_ATF", "0", "0"},
     {"ATF_ALGO_TYPE", "0", "0"},
     {"ATF_BSS_WEIGHT_EN", "0", "0"},
     {"ATF_STA_WEIGHT_EN", "0", "0"},
@@ -119,6 +120,10 @@ static const setting vap_settings[] = {
     {"WPS_ENABLE", "0"},
     {"AP_SETUP_LOCKED", "0"},
 };
+
+// Names of a VAP's settings whose values come from the scenario, or that it need not have.
+static const char *const other_vap_settings[] = {"AP_ENABLE", "AP_RADIO_ID", "AP_BSSID",   "AP_SSID",
+                                                 "AP_VLAN",   "AP_BRNAME",   "AP_MACLIST", "WSC_PIN"};
 
 static int put(store_text *store, int index, const char *name, const char *format, ...)
     __attribute__((format(printf, 4, 5)));
@@ -173,4 +178,59 @@ int initial_store(const scenario *scene, store_text *store) {
     for (int i = 0; i < scene->setting_count; i++)
         failed |= store_set(store, scene->settings[i].key, scene->settings[i].value);
     return failed == 0 ? 0 : -1;
+}
+
+// The store index that a key carries, 1 when it ends in no number from 2 on; `length` is that of the bare name.
+static int index_of(const char *key, size_t *length) {
+    const char *underscore = strrchr(key, '_');
+    *length = strlen(key);
+    if (underscore == nullptr)
+        return 1;
+    char spelling[16];
+    int number = atoi(underscore + 1);
+    // "_02" and "_2x" are parts of a name.
+    snprintf(spelling, sizeof spelling, "%d", number);
+    if (number < 2 || number > SCENARIO_VAPS || strcmp(spelling, underscore + 1) != 0)
+        return 1;
+    *length = (size_t)(underscore - key);
+    return number;
+}
+
+static bool is_name(const char *name, const char *key, size_t length) {
+    return strlen(name) == length && strncmp(name, key, length) == 0;
+}
+
+static bool is_radio_setting(const char *key, size_t length) {
+    for (const radio_setting &entry : radio_settings) {
+        if (is_name(entry.name, key, length))
+            return true;
+    }
+    return is_name("AP_TXPWR", key, length);
+}
+
+static bool is_vap_setting(const char *key, size_t length) {
+    for (const setting &entry : vap_settings) {
+        if (is_name(entry.name, key, length))
+            return true;
+    }
+    for (const char *name : other_vap_settings) {
+        if (is_name(name, key, length))
+            return true;
+    }
+    return false;
+}
+
+int initial_store_radio(const scenario *scene, const char *key) {
+    size_t length;
+    for (const setting &entry : device_settings) {
+        if (strcmp(entry.name, key) == 0)
+            return -1;
+    }
+    int index = index_of(key, &length);
+    int radio = -1;
+    if (is_radio_setting(key, length))
+        radio = index <= 2 ? 2 - index : -1;
+    else if ((index > 1 || is_vap_setting(key, length)) && scene->vaps[index - 1].declared)
+        radio = scene->vaps[index - 1].radio;
+    return radio >= 0 && scene->radios[radio].declared ? radio : -1;
 }

@@ -16,6 +16,26 @@ constexpr const char GATEWAY_SERVER_LOG[] = "/run/gateway/server.log";
 constexpr const char GATEWAY_PORTMAPPER_LOG[] = "/run/gateway/portmap.log";
 constexpr const char GATEWAY_HOSTAPD_LOG[] = "/run/gateway/hostapd.log";
 
+// The lines of the board's general-purpose inputs and outputs, and its copy of the factory defaults, which it hands out
+// under another name.
+constexpr const char GATEWAY_GPIO[] = "/run/gateway/gpio";
+constexpr const char GATEWAY_DEFAULTS[] = "/run/gateway/defaults";
+constexpr const char FACTORY_DEFAULTS[] = "/tmp/wifi_defaults.dat";
+// What the driver's scripts hold while they begin or end what runs beside the driver.
+constexpr const char GATEWAY_SCRIPTS_LOCK[] = "/run/gateway/scripts.lock";
+
+// The board's bus: the power of the slots of wifi0 and wifi1, and the file that makes it look for cards again.
+constexpr const char PCI_POWER_0[] = "/sys/bus/pci/slots/0000:02:00.0/power";
+constexpr const char PCI_POWER_1[] = "/sys/bus/pci/slots/0000:03:00.0/power";
+constexpr const char PCI_RESCAN[] = "/sys/bus/pci/rescan";
+
+// The program that inserts the driver into the kernel, and the name of the driver's module.
+constexpr const char INSMOD_PROGRAM[] = "/sbin/insmod";
+constexpr const char DRIVER_MODULE[] = "wlan.ko";
+
+// The stations known to be able to use the 5 GHz band, which the driver shares with the server.
+constexpr const char CAPABLE_TABLE[] = "/nvram/5gcapabletable";
+
 // The driver's store and the lock that everybody takes around it.
 constexpr const char APCFG_STORE[] = "/tmp/.apcfg";
 constexpr const char APCFG_LOCK[] = "/tmp/.apcfg_lock";

@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "simulator/namespaces.h"
+#include "simulator/paths.h"
 
 // Directories that the gateway has of its own; the host's never show through.
 static const char *const own_directories[] = {"tmp", "run", "nvram", "sys"};
@@ -284,11 +285,11 @@ static bool place_process_list(void) {
     return true;
 }
 
-// What of the board's bus the server writes to: plain files that keep what was written last.
+// What of the board's bus the server writes to: plain files that keep what was written last, until somebody looks for
+// the radios (board).
 static bool place_board(void) {
     return make_directories("/sys/bus/pci/slots/0000:02:00.0") && make_directories("/sys/bus/pci/slots/0000:03:00.0") &&
-           place_file("/sys/bus/pci/slots/0000:02:00.0/power", "1\n") &&
-           place_file("/sys/bus/pci/slots/0000:03:00.0/power", "1\n") && place_file("/sys/bus/pci/rescan", "") &&
+           place_file(PCI_POWER_0, "1\n") && place_file(PCI_POWER_1, "1\n") && place_file(PCI_RESCAN, "") &&
            make_directories("/nvram/etc/wpa2");
 }
 

@@ -236,26 +236,71 @@ static bool read_driver(scenario_reader *reader) {
     return complain(reader, "driver is unloaded, loaded or up");
 }
 
-// set AP_COUNTRY US: the value is the rest of the line as it stands, quotes and blanks included.
-static bool read_setting(scenario_reader *reader) {
+// defaults none
+static bool read_no_defaults(scenario_reader *reader) {
+    reader->scene->no_defaults = true;
+    bool good = reader->word_count == 2 && strcmp(reader->words[1], "none") == 0;
+    return good || complain(reader, "defaults is none, or not there");
+}
+
+// The VAP of an item for band steering's tables, which only those of the first radio have.
+static bool read_table_vap(scenario_reader *reader, int *vap) {
+    if (!read_position(reader, 1, "VAP", 1, VAPS_PER_RADIO, vap))
+        return false;
+    return reader->scene->vaps[*vap - 1].declared || complain(reader, "VAP %d is not declared yet", *vap);
+}
+
+// blacklist2g 1 mac=28:6A:BA:4C:10:01 rssi=42 seconds=600 reason=1
+static bool read_blacklisted(scenario_reader *reader) {
     scenario *scene = reader->scene;
+    if (scene->blacklisted_count == SCENARIO_BLACKLISTED)
+        return complain(reader, "more than %d stations on black lists", SCENARIO_BLACKLISTED);
+    scenario_blacklisted *entry = &scene->blacklisted[scene->blacklisted_count];
+    field fields[] = {
+        {"mac", entry->mac, 0, 0, FIELD_MAC, true, false},
+        {"rssi", &entry->rssi, -128, 127, FIELD_INTEGER, true, false},
+        {"seconds", &entry->seconds, 0, 0, FIELD_SECONDS, true, false},
+        {"reason", &entry->reason, 0, 255, FIELD_INTEGER, false, false},
+    };
+    if (!read_table_vap(reader, &entry->vap) || !read_fields(reader, 2, fields, 4))
+        return false;
+    scene->blacklisted_count++;
+    return true;
+}
+
+// capable5g 1 mac=28:6A:BA:4C:10:01
+static bool read_capable(scenario_reader *reader) {
+    scenario *scene = reader->scene;
+    if (scene->capable_count == SCENARIO_CAPABLE)
+        return complain(reader, "more than %d stations known to be 5 GHz capable", SCENARIO_CAPABLE);
+    scenario_capable *entry = &scene->capable[scene->capable_count];
+    field fields[] = {{"mac", entry->mac, 0, 0, FIELD_MAC, true, false}};
+    if (!read_table_vap(reader, &entry->vap) || !read_fields(reader, 2, fields, 1))
+        return false;
+    scene->capable_count++;
+    return true;
+}
+
+// "set AP_COUNTRY US" and "default AP_COUNTRY US": the value is the rest of the line as it stands, quotes and blanks
+// included.
+static bool read_setting(scenario_reader *reader, const char *word, scenario_setting *list, int size, int *count) {
     const char *key = reader->text + strspn(reader->text, " \t");
-    key += strlen("set");
+    key += strlen(word);
     key += strspn(key, " \t");
     size_t key_length = strcspn(key, " \t");
     const char *value = key + key_length + (key[key_length] != '\0' ? 1 : 0);
     if (key_length == 0 || memchr(key, '=', key_length) != nullptr)
-        return complain(reader, "set needs a key without \"=\" and a value");
-    if (scene->setting_count == SCENARIO_SETTINGS)
-        return complain(reader, "more than %d settings", SCENARIO_SETTINGS);
-    scenario_setting *setting = &scene->settings[scene->setting_count];
+        return complain(reader, "%s needs a key without \"=\" and a value", word);
+    if (*count == size)
+        return complain(reader, "more than %d %s", size, list == reader->scene->settings ? "settings" : "defaults");
+    scenario_setting *setting = &list[*count];
     if (key_length >= sizeof setting->key)
         return complain(reader, "a key has at most %zu characters", sizeof setting->key - 1);
     if (!copy_text(value, setting->value, sizeof setting->value))
         return complain(reader, "a value has at most %zu characters", sizeof setting->value - 1);
     memcpy(setting->key, key, key_length);
     setting->key[key_length] = '\0';
-    scene->setting_count++;
+    (*count)++;
     return true;
 }
 
@@ -265,9 +310,18 @@ struct item {
 };
 
 static const item items[] = {
-    {"radio", read_radio},       {"channel", read_channel}, {"vap", read_vap},
-    {"counters", read_counters}, {"station", read_station}, {"neighbour", read_neighbour},
-    {"wps", read_wps},           {"script", read_script},   {"driver", read_driver},
+    {"radio", read_radio},
+    {"channel", read_channel},
+    {"vap", read_vap},
+    {"counters", read_counters},
+    {"station", read_station},
+    {"neighbour", read_neighbour},
+    {"wps", read_wps},
+    {"script", read_script},
+    {"driver", read_driver},
+    {"defaults", read_no_defaults},
+    {"blacklist2g", read_blacklisted},
+    {"capable5g", read_capable},
 };
 
 static bool starts_with_word(const char *text, const char *word) {
@@ -280,8 +334,11 @@ static bool read_line(scenario_reader *reader) {
     if (*start == '\0' || *start == '#')
         return true;
     // A setting's value is not made of words, so it is read before the line is cut.
+    scenario *scene = reader->scene;
     if (starts_with_word(start, "set"))
-        return read_setting(reader);
+        return read_setting(reader, "set", scene->settings, SCENARIO_SETTINGS, &scene->setting_count);
+    if (starts_with_word(start, "default"))
+        return read_setting(reader, "default", scene->defaults, SCENARIO_DEFAULTS, &scene->default_count);
     if (!cut_words(reader) || reader->word_count == 0)
         return false;
     for (const item &candidate : items) {
@@ -398,6 +455,11 @@ bool copy_mac(const char *text, char *mac) {
     }
     memcpy(mac, text, MAC_TEXT_SIZE);
     return true;
+}
+
+void mac_octets(const char *mac, uint8_t *octets) {
+    for (size_t i = 0; i < 6; i++)
+        octets[i] = (uint8_t)strtoul(mac + 3 * i, nullptr, 16);
 }
 
 const scenario_channel *scenario_find_channel(const scenario_radio *radio, unsigned number) {

@@ -17,6 +17,9 @@ constexpr int SCENARIO_NEIGHBOURS = 512;                // twice what the one-by
 constexpr int SCENARIO_SETTINGS = 1024;                 // several times a real store
 constexpr int SCENARIO_SCRIPTS = 3;                     // apup, apup_simple, fast_down.sh
 constexpr int SCENARIO_WPS_LINES = 14 * SCENARIO_VAPS;  // an item a VAP, with as many words as an item has behind two
+constexpr int SCENARIO_DEFAULTS = 256;                  // a real store has fewer lines that anybody changes
+constexpr int SCENARIO_BLACKLISTED = 127 * VAPS_PER_RADIO;  // the tables are of the first radio's VAPs
+constexpr int SCENARIO_CAPABLE = 127 * VAPS_PER_RADIO;
 
 constexpr size_t MAC_TEXT_SIZE = 18;  // "00:03:7F:10:00:01"
 constexpr size_t SSID_SIZE = 33;      // 32 characters, as 802.11 has it
@@ -95,6 +98,21 @@ struct scenario_setting {
     char value[SETTING_VALUE_SIZE];
 };
 
+// A station on the 2.4 GHz temporary black list of a VAP.
+struct scenario_blacklisted {
+    int vap;  // 1 to 8
+    char mac[MAC_TEXT_SIZE];
+    int reason;      // one byte of the driver's
+    int rssi;        // dB over noise
+    double seconds;  // how long it stays on the list
+};
+
+// A station that a VAP's driver knows to be able to use the 5 GHz band.
+struct scenario_capable {
+    int vap;  // 1 to 8
+    char mac[MAC_TEXT_SIZE];
+};
+
 // What a script of the driver takes.
 struct scenario_script {
     char name[SCENARIO_WORD_SIZE];
@@ -114,6 +132,13 @@ struct scenario {
     int neighbour_count;
     scenario_setting settings[SCENARIO_SETTINGS];
     int setting_count;
+    scenario_setting defaults[SCENARIO_DEFAULTS];  // factory values that are not those of the first store
+    int default_count;
+    bool no_defaults;  // the board cannot hand out the factory defaults
+    scenario_blacklisted blacklisted[SCENARIO_BLACKLISTED];
+    int blacklisted_count;
+    scenario_capable capable[SCENARIO_CAPABLE];
+    int capable_count;
     scenario_wps_line wps_lines[SCENARIO_WPS_LINES];
     int wps_line_count;
     scenario_script scripts[SCENARIO_SCRIPTS];
@@ -140,6 +165,9 @@ int radio_of_device(const char *name);
 
 // Copies a MAC address, MAC_TEXT_SIZE bytes with its NUL, when the text is one ("28:6A:BA:4C:10:01"). Else false.
 bool copy_mac(const char *text, char *mac);
+
+// The six octets of a MAC address in its text form.
+void mac_octets(const char *mac, uint8_t *octets);
 
 // The channel with this number of a radio, null when it has none.
 const scenario_channel *scenario_find_channel(const scenario_radio *radio, unsigned number);

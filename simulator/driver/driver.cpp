@@ -1,13 +1,13 @@
-// The simulated driver inside the server: a preloaded library that answers wireless ioctls and watches the shell.
+// The simulated driver inside the server: a preloaded library that answers wireless ioctls and watches the doors of the
+// server's process (doors.cpp).
 //
-// Interposes ioctl(), popen() and system(). Any thread of the server may come through here, workers with small stacks
-// included, so texts and scenarios live on the heap. Built without sanitizers and without anything that runs before
-// main() but one small function: it must be loadable into a server that is itself built with a sanitizer.
+// Interposes ioctl(). Any thread of the server may come through here, workers with small stacks included, so texts and
+// scenarios live on the heap. Built without sanitizers and without anything that runs before main() but one small
+// function: it must be loadable into a server that is itself built with a sanitizer.
 #include <dlfcn.h>
 #include <errno.h>
 #include <net/if.h>
 #include <stdarg.h>
-#include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -16,39 +16,13 @@
 
 #include <linux/wireless.h>
 
+#include "simulator/driver/doors.h"
+#include "simulator/driver/requests.h"
 #include "simulator/driver_state.h"
 #include "simulator/faults.h"
 #include "simulator/journal.h"
-#include "simulator/paths.h"
-#include "simulator/store.h"
-
-// The driver's private request for its channel table, and the table: a count and 255 entries of 20 bytes.
-constexpr unsigned long REQUEST_CHANNEL_TABLE = SIOCIWFIRSTPRIV + 7;
-
-struct table_entry {
-    uint16_t frequency;
-    uint16_t padding;
-    uint32_t flags;
-    uint8_t rest[12];
-};
-
-struct channel_table {
-    uint32_t count;
-    table_entry entries[SCENARIO_CHANNELS];
-};
-static_assert(sizeof(channel_table) == 5104);
 
 using ioctl_function = int (*)(int, unsigned long, ...);
-using popen_function = FILE *(*)(const char *, const char *);
-using system_function = int (*)(const char *);
-
-// What the next library calls `name`: libc's function, or a sanitizer's in front of it.
-static void *next_function(const char *name) {
-    void *function = dlsym(RTLD_NEXT, name);
-    if (function == nullptr)
-        abort();
-    return function;
-}
 
 // Takes this library out of a list of libraries, in place.
 static void remove_from_list(char *list, const char *library) {
@@ -88,57 +62,24 @@ static bool is_driver_interface(const char *name) {
     return vap_of_interface(name) >= 0 || radio_of_device(name) >= 0;
 }
 
-// The radio that an interface name stands for.
-static const scenario_radio *radio_of(const scenario *scene, const char *name) {
-    int vap = vap_of_interface(name);
-    return &scene->radios[vap >= 0 ? scene->vaps[vap].radio : radio_of_device(name)];
-}
+// A request that is answered here; all others on the driver's interfaces are the kernel's.
+struct simulated_request {
+    unsigned long number;
+    int (*answer)(const char *interface, iwreq *request);
+};
 
-// Fills the caller's buffer. 0 or an error number.
-static int answer_channel_table(const scenario_radio *radio, iwreq *request) {
-    if (request->u.data.pointer == nullptr)
-        return EFAULT;
-    if (request->u.data.length < sizeof(channel_table))
-        return E2BIG;
-    channel_table *table = (channel_table *)request->u.data.pointer;
-    memset(table, 0, sizeof *table);
-    table->count = (uint32_t)radio->channel_count;
-    for (int i = 0; i < radio->channel_count; i++) {
-        table->entries[i].frequency = (uint16_t)radio->channels[i].frequency;
-        table->entries[i].flags = radio->channels[i].flags;
+static const simulated_request simulated_requests[] = {
+    {REQUEST_CHANNEL_TABLE, answer_channel_table},
+    {SIOCGIWESSID, answer_essid},
+    {REQUEST_DEBUG, answer_debug_request},
+};
+
+static const simulated_request *find_request(unsigned long number) {
+    for (const simulated_request &candidate : simulated_requests) {
+        if (candidate.number == number)
+            return &candidate;
     }
-    request->u.data.length = sizeof *table;
-    return 0;
-}
-
-// The SSID as the store has it. 0 or an error number.
-static int answer_essid(int vap, iwreq *request) {
-    if (vap < 0)
-        return EOPNOTSUPP;
-    if (request->u.essid.pointer == nullptr)
-        return EFAULT;
-    char key[SETTING_KEY_SIZE];
-    char ssid[SSID_SIZE];
-    store_key("AP_SSID", vap + 1, key, sizeof key);
-    store_value(APCFG_STORE, key, ssid, sizeof ssid);
-    size_t length = strlen(ssid);
-    if (request->u.essid.length < length)
-        return E2BIG;
-    memcpy(request->u.essid.pointer, ssid, length);
-    request->u.essid.length = (uint16_t)length;
-    request->u.essid.flags = 1;
-    return 0;
-}
-
-static int answer_request(const char *name, unsigned long number, iwreq *request) {
-    char error[SCENARIO_ERROR_SIZE];
-    scenario *scene = scenario_new(GATEWAY_SCENARIO, error, sizeof error);
-    if (scene == nullptr)
-        return EIO;
-    int reason = number == REQUEST_CHANNEL_TABLE ? answer_channel_table(radio_of(scene, name), request)
-                                                 : answer_essid(vap_of_interface(name), request);
-    scenario_free(scene);
-    return reason;
+    return nullptr;
 }
 
 // The error number of a request that fails before it is looked at: by a fault, or because the interface is not there.
@@ -157,12 +98,12 @@ static int refusal(const char *name, unsigned long number) {
 static int driver_ioctl(int file, unsigned long number, iwreq *request) {
     char name[IFNAMSIZ + 1];
     snprintf(name, sizeof name, "%.*s", IFNAMSIZ, request->ifr_name);
-    bool simulated = number == REQUEST_CHANNEL_TABLE || number == SIOCGIWESSID;
+    const simulated_request *simulated = find_request(number);
     unsigned length = request->u.data.length;
     int result = 0;
     int reason = refusal(name, number);
-    if (reason == 0 && simulated) {
-        reason = answer_request(name, number, request);
+    if (reason == 0 && simulated != nullptr) {
+        reason = simulated->answer(name, request);
     } else if (reason == 0) {
         result = ((ioctl_function)next_function("ioctl"))(file, number, request);
         reason = result < 0 ? errno : 0;
@@ -190,28 +131,5 @@ __attribute__((visibility("default"))) int ioctl(int file, unsigned long number,
             return driver_ioctl(file, number, (iwreq *)argument);
     }
     return ((ioctl_function)next_function("ioctl"))(file, number, argument);
-}
-
-__attribute__((visibility("default"))) FILE *popen(const char *command, const char *mode) {
-    journal_shell("popen", command);
-    int reason = fault_errno("popen");
-    if (reason != 0) {
-        errno = reason;
-        return nullptr;
-    }
-    return ((popen_function)next_function("popen"))(command, mode);
-}
-
-__attribute__((visibility("default"))) int system(const char *command) {
-    // Without a command the question is whether there is a shell; nothing is run.
-    if (command != nullptr) {
-        journal_shell("system", command);
-        int reason = fault_errno("system");
-        if (reason != 0) {
-            errno = reason;
-            return -1;
-        }
-    }
-    return ((system_function)next_function("system"))(command);
 }
 }

@@ -15,7 +15,7 @@
 constexpr double LONGEST_SLOWNESS = 86400;
 
 // What a fault of this name may be set to.
-enum fault_kind { FAULT_UNKNOWN, FAULT_TOOL, FAULT_ERRNO, FAULT_ADDRESS };
+enum fault_kind { FAULT_UNKNOWN, FAULT_TOOL, FAULT_ERRNO, FAULT_COUNT, FAULT_ADDRESS };
 
 // The kind of a fault; an ioctl's name is rewritten in its one spelling.
 static fault_kind kind_of(char *name, size_t size) {
@@ -23,6 +23,8 @@ static fault_kind kind_of(char *name, size_t size) {
         return FAULT_ERRNO;
     if (strcmp(name, "address") == 0)
         return FAULT_ADDRESS;
+    if (strcmp(name, BLACKLIST_FAULT) == 0)
+        return FAULT_COUNT;
     if (strncmp(name, "ioctl:", 6) == 0 && isdigit((unsigned char)name[6])) {
         char *end;
         errno = 0;
@@ -46,7 +48,30 @@ static bool is_slowness(const char *value) {
 
 static bool is_tool_fault(const char *value) {
     return strcmp(value, "silent") == 0 || strcmp(value, "fail") == 0 || strcmp(value, "garbage") == 0 ||
-           strcmp(value, "missing") == 0 || is_slowness(value);
+           strcmp(value, "missing") == 0 || strcmp(value, "hang") == 0 || is_slowness(value);
+}
+
+// A number that fits the 32-bit word in which the driver says it.
+static bool is_count(const char *value) {
+    char *end;
+    errno = 0;
+    unsigned long number = strtoul(value, &end, 10);
+    return isdigit((unsigned char)value[0]) && *end == '\0' && errno == 0 && number <= 0xFFFFFFFF;
+}
+
+static bool is_value(fault_kind kind, const char *value) {
+    switch (kind) {
+        case FAULT_TOOL:
+            return is_tool_fault(value);
+        case FAULT_COUNT:
+            return is_count(value);
+        case FAULT_ERRNO:
+            return errno_by_name(value) != 0;
+        case FAULT_ADDRESS:
+        case FAULT_UNKNOWN:
+            return false;
+    }
+    return false;
 }
 
 static int complain(const char *what) {
@@ -77,8 +102,7 @@ static int change(const char *given, const char *value) {
         return change_address(value);
     if (strcmp(value, "off") == 0)
         return fault_clear(name) == 0 ? 0 : complain(name);
-    bool good =
-        strlen(value) < FAULT_VALUE_SIZE && (kind == FAULT_TOOL ? is_tool_fault(value) : errno_by_name(value) != 0);
+    bool good = strlen(value) < FAULT_VALUE_SIZE && is_value(kind, value);
     if (!good) {
         fprintf(stderr, "fault: \"%s\" is no value for %s\n", value, name);
         return 1;
@@ -117,6 +141,15 @@ static const char *join(int argument_count, char *const *arguments, char *value,
     return value;
 }
 
+// What it means to name a fault only: "this one does not work".
+static const char *shortest_value(const char *name) {
+    if (find_tool(name) != nullptr)
+        return "fail";
+    if (strcmp(name, "address") == 0)
+        return "missing";
+    return strcmp(name, BLACKLIST_FAULT) == 0 ? "4294967295" : "EIO";
+}
+
 int tool_fault(int argument_count, char *const *arguments) {
     if (argument_count == 0)
         return each_fault(print_fault);
@@ -128,7 +161,5 @@ int tool_fault(int argument_count, char *const *arguments) {
     char value[FAULT_VALUE_SIZE + 1];
     if (argument_count > 1)
         return change(arguments[0], join(argument_count - 1, arguments + 1, value, sizeof value));
-    // The shortest way to say "this one does not work".
-    bool tool_named = find_tool(arguments[0]) != nullptr;
-    return change(arguments[0], tool_named ? "fail" : strcmp(arguments[0], "address") == 0 ? "missing" : "EIO");
+    return change(arguments[0], shortest_value(arguments[0]));
 }

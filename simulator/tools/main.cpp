@@ -2,12 +2,12 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <time.h>
 #include <unistd.h>
 
 #include "simulator/faults.h"
 #include "simulator/journal.h"
 #include "simulator/paths.h"
+#include "simulator/tools/driver_time.h"
 #include "simulator/tools/tools.h"
 
 // What a shell says and returns for a command that it does not find.
@@ -36,14 +36,6 @@ int tool_usage(const char *name) {
     return 1;
 }
 
-static void sleep_seconds(double seconds) {
-    timespec left = {};
-    left.tv_sec = (time_t)seconds;
-    left.tv_nsec = (long)((seconds - (double)left.tv_sec) * 1e9);
-    while (nanosleep(&left, &left) != 0) {
-    }
-}
-
 // A line that no reader of a tool's output expects: odd bytes, no marker, no end of line.
 static void print_garbage(void) {
     static const char pattern[] = "\x01\xff%s%n:::\t==\x7f HT\x80 -- 99999999999999999999 ";
@@ -60,6 +52,9 @@ static bool obey_fault(const tool *called, int *status) {
         sleep_seconds(atof(value + 5));
         return false;
     }
+    // Until somebody kills the process.
+    while (strcmp(value, "hang") == 0)
+        pause();
     *status = 0;
     if (strcmp(value, "fail") == 0) {
         fprintf(stderr, "%s: failed\n", called->name);

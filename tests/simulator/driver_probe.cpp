@@ -8,7 +8,9 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
+#include <syslog.h>
 #include <unistd.h>
 
 #include <linux/wireless.h>
@@ -65,6 +67,108 @@ static int print_request(int file, const char *interface, unsigned long number) 
     return report(ioctl(file, number, &request));
 }
 
+// A debug request of the driver, as the library takes it, with a buffer below 4 GiB. What is not said is as the server
+// would have it; the buffer is otherwise full of 0xEE. Below it nothing is mapped, and neither is behind its end.
+struct debug_call {
+    unsigned long command, size, count, fetches;
+    unsigned long length;   // of the request
+    unsigned long pointer;  // to the request
+    unsigned long address;  // in the request
+    unsigned long room;     // from the address to the end of the buffer
+};
+
+static void read_option(debug_call *call, const char *word) {
+    struct {
+        const char *name;
+        unsigned long *value;
+    } const options[] = {{"command=", &call->command}, {"size=", &call->size},     {"count=", &call->count},
+                         {"fetches=", &call->fetches}, {"length=", &call->length}, {"pointer=", &call->pointer},
+                         {"address=", &call->address}, {"room=", &call->room}};
+    for (const auto &option : options) {
+        if (strncmp(word, option.name, strlen(option.name)) == 0)
+            *option.value = strtoul(word + strlen(option.name), nullptr, 0);
+    }
+}
+
+constexpr size_t DEBUG_BUFFER_SIZE = 4096;
+
+static unsigned char *low_memory(void) {
+    // Three pages somewhere below 4 GiB, of which only the middle one stays.
+    void *place = reinterpret_cast<void *>(0x20000000);
+    auto *pages = static_cast<unsigned char *>(mmap(place, 3 * DEBUG_BUFFER_SIZE, PROT_READ | PROT_WRITE,
+                                                    MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0));
+    if (pages == MAP_FAILED)
+        return nullptr;
+    munmap(pages, DEBUG_BUFFER_SIZE);
+    munmap(pages + 2 * DEBUG_BUFFER_SIZE, DEBUG_BUFFER_SIZE);
+    return pages + DEBUG_BUFFER_SIZE;
+}
+
+static void put_word(unsigned char *to, unsigned long value) {
+    auto word = static_cast<uint32_t>(value);
+    memcpy(to, &word, sizeof word);
+}
+
+// The result, and in lines of 32 bytes what is not 0xEE any more.
+static int print_buffer(int result, const unsigned char *buffer, size_t size) {
+    report(result);
+    while (size > 0 && buffer[size - 1] == 0xEE)
+        size--;
+    for (size_t i = 0; i < size; i++)
+        printf("%02x%s", buffer[i], i % 32 == 31 || i + 1 == size ? "\n" : "");
+    return 0;
+}
+
+static int print_debug_request(int file, const char *interface, int count, char **words) {
+    unsigned char asked[211] = {};
+    debug_call call = {87, 32, 0xEEEEEEEE, 0xEEEEEEEE, sizeof asked, 0, 0, DEBUG_BUFFER_SIZE};
+    for (int i = 0; i < count; i++)
+        read_option(&call, words[i]);
+    unsigned char *page = low_memory();
+    if (page == nullptr)
+        return 3;
+    unsigned char *buffer = page + DEBUG_BUFFER_SIZE - call.room;
+    memset(page, 0xEE, DEBUG_BUFFER_SIZE);
+    unsigned char head[8];
+    put_word(head, call.count);
+    put_word(head + 4, call.fetches);
+    memcpy(buffer, head, call.room < sizeof head ? call.room : sizeof head);
+    asked[0] = static_cast<unsigned char>(call.command);
+    put_word(asked + 11, call.size);
+    put_word(asked + 15, call.address != 0 ? call.address : reinterpret_cast<uintptr_t>(buffer));
+    iwreq request = request_for(interface);
+    request.u.data.pointer = call.pointer != 0 ? reinterpret_cast<void *>(call.pointer) : asked;
+    request.u.data.length = static_cast<uint16_t>(call.length);
+    int result = ioctl(file, 0x8BF8, &request);
+    return print_buffer(result, buffer, call.room);
+}
+
+// What syslog() is called by in programs that were built with checks.
+extern "C" void __syslog_chk(int priority, int flag, const char *format, ...) __attribute__((format(printf, 3, 4)));
+
+// A line for the system log, and the error number afterwards.
+static int log_line(const char *text, bool checked) {
+    errno = ENOENT;
+    if (checked)
+        __syslog_chk(LOG_INFO, 1, "%s %d %m", text, 7);
+    else
+        syslog(LOG_INFO, "%s %d %m", text, 7);
+    printf("%s\n", strerrorname_np(errno));
+    return 0;
+}
+
+static void *log_long_line(void *length) {
+    size_t size = strtoul(static_cast<const char *>(length), nullptr, 10);
+    auto *text = static_cast<char *>(malloc(size + 1));
+    if (text == nullptr)
+        return nullptr;
+    memset(text, 'x', size);
+    text[size] = '\0';
+    syslog(LOG_INFO, "%s", text);
+    free(text);
+    return nullptr;
+}
+
 static void *popen_and_wait(void *command) {
     FILE *pipe = popen(static_cast<const char *>(command), "r");
     if (pipe == nullptr) {
@@ -77,13 +181,13 @@ static void *popen_and_wait(void *command) {
     return nullptr;
 }
 
-// popen in a thread with as little stack as the server's workers have.
-static int popen_in_worker(char *command) {
+// Something in a thread with as little stack as the server's workers have.
+static int in_worker(void *(*work)(void *), char *operand) {
     pthread_attr_t attributes;
     pthread_t worker;
     pthread_attr_init(&attributes);
     pthread_attr_setstacksize(&attributes, 32768);
-    if (pthread_create(&worker, &attributes, popen_and_wait, command) != 0)
+    if (pthread_create(&worker, &attributes, work, operand) != 0)
         return 1;
     return pthread_join(worker, nullptr);
 }
@@ -104,7 +208,13 @@ int main(int argument_count, char **arguments) {
     if (strcmp(what, "popen") == 0)
         return popen_and_wait(operand) == nullptr ? 0 : 1;
     if (strcmp(what, "worker") == 0)
-        return popen_in_worker(operand);
+        return in_worker(popen_and_wait, operand);
+    if (strcmp(what, "debug") == 0)
+        return print_debug_request(file, operand, argument_count - 3, arguments + 3);
+    if (strcmp(what, "syslog") == 0 || strcmp(what, "syslog-checked") == 0)
+        return log_line(operand, strcmp(what, "syslog-checked") == 0);
+    if (strcmp(what, "syslog-worker") == 0)
+        return in_worker(log_long_line, operand);
     if (strcmp(what, "system") == 0)
         return report(system(operand));
     return 2;

@@ -25,6 +25,10 @@ protected:
         write_file(APCFG_STORE, first_store);
         write_file(GATEWAY_SCENARIO, first_scenario);
         ASSERT_EQ(run({"fault", "off"}).status, 0);
+        write_file(PCI_POWER_0, "1\n");
+        write_file(PCI_POWER_1, "1\n");
+        write_file(PCI_RESCAN, "");
+        write_file(GATEWAY_GPIO, "10=1\n100=0\n");
         // apup lays the missing ones down.
         ASSERT_EQ(run_shell("rm -rf /nvram/etc/wpa2/*").status, 0);
         ASSERT_EQ(run({"apup"}).status, 0);
@@ -50,6 +54,12 @@ inline void set_store(const std::string &assignment) {
 // Adds lines to the scenario; the last item of its kind is not replaced, so take a kind that it has not.
 inline void add_to_scenario(const std::string &text) {
     write_file(GATEWAY_SCENARIO, read_file(GATEWAY_SCENARIO) + text);
+}
+
+// Runs the program that makes calls with the driver library in front of it.
+inline outcome probe(const std::string &arguments) {
+    return run_shell("LD_PRELOAD=$VLK_GATEWAY_DRIVER ASAN_OPTIONS=verify_asan_link_order=0 " DRIVER_PROBE " " +
+                     arguments);
 }
 
 // A scenario of one radio and one VAP that is up, for tests that bring their own.

@@ -115,6 +115,26 @@ TEST(Launcher, ADriverThatIsUpFromTheBeginningHasTakenOverTheStore) {
     EXPECT_EQ(shown.output, "wifi0     get_txchainmask:3  \n");
 }
 
+TEST(Launcher, TheBoardAndBandSteeringAreAsTheScenarioHasThemFromTheBeginning) {
+    outcome shown =
+        bare({"sh", "-c",
+              "cat /run/gateway/gpio; grep AP_SSID= /run/gateway/defaults; wifitool ath0 bandsteering_status; "
+              "wc -c </nvram/5gcapabletable; head -c 1 /nvram/5gcapabletable | od -An -tu1"});
+    EXPECT_EQ(shown.output,
+              "10=1\n100=0\nAP_SSID=Gateway\n"
+              "ath0: band steering is disabled\n5 GHz capable stations: 3\n2.4 GHz temporary black list: 2\n"
+              "12288\n   3\n");
+}
+
+TEST(Launcher, ADriverThatIsNotUpHasNoTables) {
+    write_file("tables.scn",
+               "driver loaded\nradio 0 band=2.4 mac=00:03:7F:10:00:00\n"
+               "vap 1 radio=0 bssid=02:03:7F:10:00:01 enable=1\ncapable5g 1 mac=02:03:7F:10:00:01\n");
+    outcome shown = run({LAUNCHER, "--bare", "--scenario", "tables.scn", "run", "sh", "-c",
+                         "cat /run/gateway/driver; ls /nvram/5gcapabletable /run/gateway/parameters"});
+    EXPECT_EQ(shown.output, "loaded\n");
+}
+
 // The authenticator and the WPS files at the start of a gateway.
 
 constexpr const char SHOW_AUTHENTICATOR[] =

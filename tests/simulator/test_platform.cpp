@@ -19,12 +19,6 @@
 
 namespace {
 
-// Runs the probe with the driver library in front of it.
-outcome probe(const std::string &arguments) {
-    return run_shell("LD_PRELOAD=$VLK_GATEWAY_DRIVER ASAN_OPTIONS=verify_asan_link_order=0 " DRIVER_PROBE " " +
-                     arguments);
-}
-
 double seconds_of(const lines &words) {
     return duration_of([&] { run(words); });
 }
@@ -301,6 +295,13 @@ TEST_F(Platform, AMissingToolEndsAsACommandThatIsNotFound) {
     EXPECT_EQ(missing.errors, "ifconfig: not found\n");
 }
 
+TEST_F(Platform, AToolThatHangsDoesNothingUntilItIsKilled) {
+    run({"fault", "cfg", "hang"});
+    EXPECT_EQ(run_shell("timeout -s TERM 0.2 cfg -a AP_SSID=lost").status, 124);
+    run({"fault", "cfg", "off"});
+    EXPECT_EQ(run({"cfg", "-v", "AP_SSID"}).output, "Home network\n");
+}
+
 TEST_F(Platform, FaultListsWhatIsOnAndOffEndsAll) {
     run({"fault", "iwconfig", "slow", "2"});
     run({"fault", "popen", "ENOMEM"});
@@ -312,7 +313,8 @@ TEST_F(Platform, FaultListsWhatIsOnAndOffEndsAll) {
 TEST_F(Platform, AFaultWithoutValueIsTheShortestWayToSayThatItFails) {
     run({"fault", "iwconfig"});
     run({"fault", "popen"});
-    EXPECT_EQ(run_shell("fault | sort").output, "iwconfig fail\npopen EIO\n");
+    run({"fault", "blacklist2g"});
+    EXPECT_EQ(run_shell("fault | sort").output, "blacklist2g 4294967295\niwconfig fail\npopen EIO\n");
 }
 
 TEST_F(Platform, FaultRefusesNamesAndValuesThatDoNotExist) {
@@ -320,7 +322,10 @@ TEST_F(Platform, FaultRefusesNamesAndValuesThatDoNotExist) {
          {lines{"fault", "nonsense", "fail"}, lines{"fault", "../x", "fail"}, lines{"fault", "fault", "fail"},
           lines{"fault", "iwconfig", "sleepy"}, lines{"fault", "iwconfig", "slow"},
           lines{"fault", "iwconfig", "slow", "x"}, lines{"fault", "iwconfig", "slow", "86401"},
-          lines{"fault", "popen", "ENONSENSE"}, lines{"fault", "ioctl:", "EIO"}, lines{"fault", "ioctl:0x8be7z", "EIO"},
+          lines{"fault", "popen", "ENONSENSE"}, lines{"fault", "popen", "hang"},
+          lines{"fault", "iwconfig", "hang", "2"}, lines{"fault", "blacklist2g", "many"},
+          lines{"fault", "blacklist2g", "-1"}, lines{"fault", "blacklist2g", "4294967296"},
+          lines{"fault", "blacklist2g", "1x"}, lines{"fault", "ioctl:", "EIO"}, lines{"fault", "ioctl:0x8be7z", "EIO"},
           lines{"fault", "address", "gone"}, lines{"fault", "a", "b", "c", "d"}}) {
         outcome refused = run(words);
         EXPECT_EQ(refused.status, 1) << words[1];
@@ -387,6 +392,19 @@ TEST_F(Platform, SystemFailsWithTheErrorThatItsFaultNames) {
 
 TEST_F(Platform, ShellCommandsWorkInAThreadWithASmallStack) {
     EXPECT_EQ(probe("worker 'cfg -v AP_SSID'").output, "Home network\nclosed 0\n");
+}
+
+TEST_F(Platform, LinesForTheSystemLogStandInTheJournalAndNowhereElse) {
+    // Formatted as the system log does it: "%m" is the error of the moment, which the call leaves as it is.
+    EXPECT_EQ(probe("syslog 'one\\two'").output, "ENOENT\n");
+    EXPECT_EQ(probe("syslog-checked three").output, "ENOENT\n");
+    EXPECT_EQ(journal(),
+              (lines{"syslog one\\\\two 7 No such file or directory", "syslog three 7 No such file or directory"}));
+}
+
+TEST_F(Platform, ALongLineForTheSystemLogFitsIntoAThreadWithASmallStack) {
+    EXPECT_EQ(probe("syslog-worker 100000").status, 0);
+    EXPECT_EQ(journal(), lines{"syslog " + std::string(100000, 'x')});
 }
 
 TEST_F(Platform, TheLibraryIsNotHandedOnToTheProgramsThatItsHostStarts) {
@@ -459,9 +477,10 @@ TEST(PrivateRoot, TheNetworkIsTheLoopbackDeviceWithTheInternalAddress) {
 }
 
 TEST(PrivateRoot, ProgramsStandWhereTheGatewayHasThem) {
-    for (const char *path : {"/etc/ath/cfg", "/etc/ath/apup", "/etc/ath/apup_simple", "/etc/ath/fast_down.sh",
-                             "/usr/sbin/iwconfig", "/usr/sbin/iwlist", "/usr/sbin/iwpriv", "/usr/sbin/ifconfig",
-                             "/sbin/hostapd", "/usr/sbin/hostapd_cli", "/usr/sbin/fault"})
+    for (const char *path :
+         {"/etc/ath/cfg", "/etc/ath/apup", "/etc/ath/apup_simple", "/etc/ath/fast_down.sh", "/usr/sbin/iwconfig",
+          "/usr/sbin/iwlist", "/usr/sbin/iwpriv", "/usr/sbin/ifconfig", "/sbin/hostapd", "/usr/sbin/hostapd_cli",
+          "/usr/sbin/fault", "/sbin/insmod", "/usr/sbin/wifitool", "/usr/sbin/wps_gpio"})
         EXPECT_EQ(access(path, X_OK), 0) << path;
     char target[4096] = "";
     EXPECT_GT(readlink("/usr/sbin/vlk_rpc_wlan_config_client", target, sizeof target - 1), 0);

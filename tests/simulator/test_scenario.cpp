@@ -121,6 +121,64 @@ TEST(Scenario, ScriptTimesAreSecondsWithFractions) {
     EXPECT_EQ(one.scene->scripts[0].seconds, 1.25);
 }
 
+TEST(Scenario, ADefaultIsALineOfItsOwnBesideTheSettings) {
+    parsed one("set AP_SSID Home\ndefault AP_SSID  factory \"name\"\ndefault EMPTY\n");
+    ASSERT_NE(one.scene, nullptr) << one.error;
+    ASSERT_EQ(one.scene->setting_count, 1);
+    ASSERT_EQ(one.scene->default_count, 2);
+    EXPECT_STREQ(one.scene->settings[0].value, "Home");
+    EXPECT_STREQ(one.scene->defaults[0].key, "AP_SSID");
+    EXPECT_STREQ(one.scene->defaults[0].value, " factory \"name\"");
+    EXPECT_STREQ(one.scene->defaults[1].value, "");
+    EXPECT_FALSE(one.scene->no_defaults);
+    parsed none("defaults none\n");
+    ASSERT_NE(none.scene, nullptr) << none.error;
+    EXPECT_TRUE(none.scene->no_defaults);
+}
+
+TEST(Scenario, StationsOfBandSteeringsTablesKeepTheirOrderAndFields) {
+    parsed one(VAP +
+               "blacklist2g 1 mac=28:6A:BA:4C:10:01 rssi=-3 seconds=1.5\n"
+               "blacklist2g 1 seconds=0 reason=255 rssi=1 mac=28:6A:BA:4C:10:02\n"
+               "capable5g 1 mac=28:6A:BA:4C:10:03\n");
+    ASSERT_NE(one.scene, nullptr) << one.error;
+    ASSERT_EQ(one.scene->blacklisted_count, 2);
+    ASSERT_EQ(one.scene->capable_count, 1);
+    EXPECT_EQ(one.scene->blacklisted[0].vap, 1);
+    EXPECT_STREQ(one.scene->blacklisted[0].mac, "28:6A:BA:4C:10:01");
+    EXPECT_EQ(one.scene->blacklisted[0].rssi, -3);
+    EXPECT_EQ(one.scene->blacklisted[0].seconds, 1.5);
+    EXPECT_EQ(one.scene->blacklisted[0].reason, 0);
+    EXPECT_EQ(one.scene->blacklisted[1].reason, 255);
+    EXPECT_STREQ(one.scene->capable[0].mac, "28:6A:BA:4C:10:03");
+}
+
+TEST(Scenario, ItemsOfTheDefaultsAndTheTablesThatMakeNoSenseAreRefused) {
+    EXPECT_EQ(refusal("default A=B\n"), "test.scn:1: default needs a key without \"=\" and a value");
+    EXPECT_EQ(refusal("default\n"), "test.scn:1: default needs a key without \"=\" and a value");
+    EXPECT_EQ(refusal("defaults\n"), "test.scn:1: defaults is none, or not there");
+    EXPECT_EQ(refusal("defaults none none\n"), "test.scn:1: defaults is none, or not there");
+    EXPECT_EQ(refusal(VAP + "capable5g 9 mac=28:6A:BA:4C:10:01\n"), "test.scn:3: \"9\" is no VAP from 1 to 8");
+    EXPECT_EQ(refusal(VAP + "capable5g 2 mac=28:6A:BA:4C:10:01\n"), "test.scn:3: VAP 2 is not declared yet");
+    EXPECT_EQ(refusal(VAP + "capable5g 1\n"), "test.scn:3: capable5g needs mac=");
+    EXPECT_EQ(refusal(VAP + "blacklist2g 1 mac=28:6A:BA:4C:10:01 rssi=1\n"), "test.scn:3: blacklist2g needs seconds=");
+    EXPECT_EQ(refusal(VAP + "blacklist2g 1 mac=28:6A:BA:4C:10:01 rssi=1 seconds=1 reason=256\n"),
+              "test.scn:3: \"256\" is no good value for reason");
+}
+
+TEST(Scenario, MoreDefaultsOrStationsOfTheTablesThanThereIsRoomForAreRefused) {
+    std::string defaults, blacklisted = VAP, capable = VAP;
+    for (int i = 0; i <= SCENARIO_DEFAULTS; i++)
+        defaults += "default KEY value\n";
+    for (int i = 0; i <= SCENARIO_BLACKLISTED; i++)
+        blacklisted += "blacklist2g 1 mac=28:6A:BA:4C:10:01 rssi=1 seconds=1\n";
+    for (int i = 0; i <= SCENARIO_CAPABLE; i++)
+        capable += "capable5g 1 mac=28:6A:BA:4C:10:01\n";
+    EXPECT_EQ(refusal(defaults), "test.scn:257: more than 256 defaults");
+    EXPECT_EQ(refusal(blacklisted), "test.scn:1019: more than 1016 stations on black lists");
+    EXPECT_EQ(refusal(capable), "test.scn:1019: more than 1016 stations known to be 5 GHz capable");
+}
+
 TEST(Scenario, AWpsItemSaysWhatBecomesOfAnExchangeAndWhichLinesTheFileHas) {
     parsed one(VAP +
                "wps 1 seconds=1.5 friendly_name=\"Living room\" result=success mac=28:6A:BA:4C:10:01 ap_pin= a=b=c\n");

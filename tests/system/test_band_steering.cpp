@@ -315,6 +315,53 @@ TEST_F(BandSteering, BlacklistIsClearedByTheDriversTool) {
               strings{"wlan_setBssBandSteer2gTempBlacklistClear cmd: wifitool ath7 clr_tmpblacklist2g"});
 }
 
+// The stations of the scenario, whose time has been running for a moment: MAC, reason, RSSI, seconds left.
+bytes station(const char *mac, char reason, char rssi) {
+    return bytes(mac, 6) + reason + rssi;
+}
+
+TEST_F(BandSteering, BlacklistIsTheDriversToTheByte) {
+    restart_driver();
+    journal_mark = mark_of(JOURNAL_FILE);
+    decoded_result result = result_of(call(PROC_wlan_get_bs_bss_2g_temp_blacklist_table, vap(1)));
+    EXPECT_EQ(result.code, 0);
+    EXPECT_EQ(result.values, (std::vector<uint32_t>{2, 0, 0, 0}));
+    ASSERT_EQ(result.data.size(), BLACKLIST_SIZE);
+    EXPECT_EQ(result.data.substr(0, 8), station("\x3C\x15\xC2\xE0\x44\x03", 1, 38));
+    EXPECT_EQ(result.data.substr(32, 8), station("\x98\x01\xA7\x9B\x55\x04", 2, 31));
+    EXPECT_EQ(result.data.substr(64), bytes(BLACKLIST_SIZE - 64, '\0'));
+    EXPECT_EQ(debug_requests(), (strings{"ioctl ath0 0x8bf8 211", "ioctl ath0 0x8bf8 211"}));
+}
+
+TEST_F(BandSteering, BlacklistWithoutStationsIsASuccess) {
+    restart_driver();
+    EXPECT_EQ(set_number(PROC_wlan_set_bs_bss_2g_temp_blacklist_clear, 1, 0), 0);
+    // What the driver was asked with stays in the reply: no station, and 1.
+    bytes asked(BLACKLIST_SIZE, '\0');
+    asked[4] = 1;
+    expect_table(result_of(call(PROC_wlan_get_bs_bss_2g_temp_blacklist_table, vap(1))), 0, 0, asked);
+}
+
+TEST_F(BandSteering, BlacklistOfMoreStationsThanTheReplyHasRoomForIsCut) {
+    restart_driver();
+    for (const char *lie : {"65", "100", "2147483648", "4294967295"}) {
+        run_command(std::string("fault blacklist2g ") + lie);
+        decoded_result result = result_of(call(PROC_wlan_get_bs_bss_2g_temp_blacklist_table, vap(1)));
+        EXPECT_EQ(result.code, 0) << lie;
+        EXPECT_EQ(result.values, (std::vector<uint32_t>{64, 0, 0, 0})) << lie;
+        EXPECT_EQ(result.data.size(), BLACKLIST_SIZE) << lie;
+    }
+}
+
+TEST_F(BandSteering, SteeringThatTheDriverStillHasToTakeUpReadsAsOff) {
+    set_store({"BS_BSS_ENABLE=0"});
+    restart_driver();
+    EXPECT_EQ(set_number(PROC_wlan_set_bs_bss_enable, 1, 2), 0);
+    EXPECT_EQ(get_number(PROC_wlan_get_bs_bss_enable, 1), (number_result{0, 0}));
+    EXPECT_EQ(run_command("apup").status, 0);
+    EXPECT_EQ(get_number(PROC_wlan_get_bs_bss_enable, 1), (number_result{0, 2}));
+}
+
 TEST_F(BandSteering, BlacklistIsClearedWhateverBecomesOfTheTool) {
     run_command("fault system ENOMEM");
     EXPECT_EQ(set_number(PROC_wlan_set_bs_bss_2g_temp_blacklist_clear, 1, 0), 0);

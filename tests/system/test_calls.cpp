@@ -276,10 +276,9 @@ bool is_always_written(const std::string &line) {
     return false;
 }
 
-// Tools complain on the server's standard error: of interfaces that are down, of a MAC that is none. And the shell does
-// of a tool that the gateway has not.
+// Tools complain on the server's standard error: of interfaces that are down, of a MAC that is none.
 bool is_complaint_of_a_tool(const std::string &line) {
-    return line.starts_with("ath") || line.starts_with("Invalid address ") || line == "sh: 1: wifitool: not found";
+    return line.starts_with("ath") || line.starts_with("Invalid address ");
 }
 
 // Errors are written always; here that soft block's daemon is not there.

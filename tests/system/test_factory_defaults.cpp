@@ -136,6 +136,7 @@ TEST_F(FactoryDefaults, OldSettingsBehindTheEndAreForgotten) {
 
 TEST_F(FactoryDefaults, TheWpsFilesAreRemoved) {
     write_file(WPS_FILE, "uuid=1\n");
+    unlink("/nvram/5gcapabletable");
     EXPECT_EQ(restore(0), 0);
     EXPECT_TRUE(std::filesystem::is_empty("/nvram/etc/wpa2"));
     EXPECT_EQ(commands(), (strings{"cfg -c", "rm -f /nvram/etc/wpa2/*"}));
