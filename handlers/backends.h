@@ -2,6 +2,7 @@
 #pragma once
 
 #include "config/factory_defaults.h"
+#include "lifecycle/requests.h"
 #include "params/rates.h"
 #include "params/security.h"
 #include "params/tuning.h"

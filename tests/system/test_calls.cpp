@@ -3,149 +3,32 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <optional>
 #include <random>
 #include <set>
 
 #include "client/operations.h"
 #include "server/wire.h"
 #include "tests/system/gateway.h"
+#include "tests/system/smoke.h"
+
+// Among the rows is the one that restores factory defaults: here of a file without any, and what it removes all the
+// same comes back.
+static std::optional<kept_settings> kept;
+
+void prepare_for_row() {
+    kept.emplace();
+    write_file("/tmp/wifi_defaults.dat", "");
+}
+
+void settle_after_row() {
+    kept->put_back();
+}
 
 namespace {
 
-bytes sample_argument(argument_kind kind) {
-    switch (kind) {
-        case argument_kind::VAP:
-        case argument_kind::INT:
-        case argument_kind::IGNORED:
-        case argument_kind::UINT:
-        case argument_kind::BOOL:
-        case argument_kind::USHORT:
-            return xdr_word(1);
-        case argument_kind::TEXT:
-            return xdr_string_bytes("word");
-    }
-    return "";
-}
-
-bytes sample_arguments(const procedure_row &row) {
-    bytes arguments;
-    for (size_t i = 0; i < row.argument_count; i++)
-        arguments += sample_argument(row.arguments[i].kind);
-    return arguments;
-}
-
-bool handler_was_called(const char *procedure, size_t mark) {
-    std::string name = std::string("[VLK-API] ") + procedure + "_1_svc ";
-    for (const std::string &line : lines_since(SERVER_LOG_FILE, mark))
-        if (line.starts_with(name))
-            return true;
-    return false;
-}
-
-// Among all procedures is the one that restores factory defaults: here of a file without any, and what it removes all
-// the same comes back.
-class ready_for_every_procedure {
-public:
-    ready_for_every_procedure() {
-        write_file("/tmp/wifi_defaults.dat", "");
-    }
-    ~ready_for_every_procedure() {
-        kept.put_back();
-    }
-    ready_for_every_procedure(const ready_for_every_procedure &) = delete;
-    ready_for_every_procedure &operator=(const ready_for_every_procedure &) = delete;
-
-private:
-    kept_settings kept;
-};
-
-class Procedures : public testing::TestWithParam<procedure_row> {
-protected:
-    void SetUp() override {
-        set_debug(true);
-    }
-    void TearDown() override {
-        set_debug(false);
-    }
-
-private:
-    ready_for_every_procedure ready;
-};
-
-// The smoke test of every row: an offered procedure reaches its handler and answers with its kind of result, a pending
-// one does not exist.
-TEST_P(Procedures, AnswersAsItsRowSays) {
-    const procedure_row &row = GetParam();
-    size_t mark = mark_of(SERVER_LOG_FILE);
-    call_reply reply = call(row.number, sample_arguments(row));
-    if (row.kind == procedure_kind::PENDING) {
-        EXPECT_EQ(reply.outcome, call_outcome::NO_PROCEDURE);
-        EXPECT_FALSE(handler_was_called(row.name, mark));
-        return;
-    }
-    ASSERT_EQ(reply.outcome, call_outcome::SUCCESS);
-    EXPECT_TRUE(handler_was_called(row.name, mark));
-    if (row.result.kind == result_kind::CODE) {
-        EXPECT_EQ(reply.result.size(), 4u);
-        return;
-    }
-    decoded_result result = result_of(reply);
-    switch (row.result.kind) {
-        case result_kind::CODE:
-            break;
-        case result_kind::ACTION:
-            EXPECT_TRUE(result.values.empty());
-            EXPECT_TRUE(result.data.empty());
-            break;
-        case result_kind::INTEGERS:
-            EXPECT_EQ(result.values.size(), 4 * row.result.output_count);
-            EXPECT_TRUE(result.data.empty());
-            break;
-        case result_kind::INTEGERS64:
-            EXPECT_EQ(result.values.size(), 8 * row.result.size);
-            EXPECT_TRUE(result.data.empty());
-            break;
-        case result_kind::WORDS:
-            EXPECT_EQ(result.values.size(), row.result.size);
-            EXPECT_TRUE(result.data.empty());
-            break;
-        case result_kind::STRING:
-        case result_kind::LONG_STRING:
-            EXPECT_TRUE(result.values.empty());
-            EXPECT_TRUE(result.data.ends_with('\0'));
-            break;
-        case result_kind::IMAGE:
-            EXPECT_TRUE(result.values.empty());
-            EXPECT_EQ(result.data.size(), row.result.size);
-            break;
-        case result_kind::COUNTED_IMAGE:
-            EXPECT_EQ(result.values.size(), 4u);
-            EXPECT_EQ(result.data.size(), row.result.size);
-            break;
-    }
-}
-
-// Every truncation of an offered procedure's arguments, each behind a whole call of the same procedure, whose bytes the
-// server's receive buffer then still holds.
-TEST_P(Procedures, RefusesTruncatedArgumentsWithoutCallingItsHandler) {
-    const procedure_row &row = GetParam();
-    bytes arguments = sample_arguments(row);
-    if (row.kind == procedure_kind::PENDING || arguments.empty())
-        return;
-    ASSERT_EQ(call(row.number, arguments).outcome, call_outcome::SUCCESS);
-    size_t mark = mark_of(SERVER_LOG_FILE);
-    for (size_t length = 0; length < arguments.size(); length++)
-        EXPECT_EQ(call(row.number, arguments.substr(0, length)).outcome, call_outcome::DECODE_ERROR)
-            << length << " of " << arguments.size() << " bytes";
-    EXPECT_FALSE(handler_was_called(row.name, mark));
-}
-
-std::string procedure_name(const testing::TestParamInfo<procedure_row> &info) {
-    return info.param.name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Table, Procedures, testing::ValuesIn(procedure_rows, procedure_rows + procedure_row_count),
-                         procedure_name);
+// All rows but those of the lifecycle, which have theirs in the lifecycle's own gateways.
+INSTANTIATE_TEST_SUITE_P(Table, Procedures, testing::ValuesIn(rows_of_lifecycle(false)), procedure_name);
 
 TEST(Calls, NullProcedureAnswersWithNothing) {
     call_reply reply = call(0, "");
@@ -289,11 +172,12 @@ bool is_complaint_of_a_missing_daemon(const std::string &line) {
 }
 
 TEST(Calls, WithoutTheDebugSwitchNoHandlerWritesAnything) {
-    ready_for_every_procedure ready;
+    prepare_for_row();
     set_debug(false);
     size_t mark = mark_of(SERVER_LOG_FILE);
-    for (size_t i = 0; i < procedure_row_count; i++)
-        EXPECT_NE(call(procedure_rows[i].number, sample_arguments(procedure_rows[i])).outcome, call_outcome::NO_ANSWER);
+    for (const procedure_row &row : rows_of_lifecycle(false))
+        EXPECT_NE(call(row.number, sample_arguments(row)).outcome, call_outcome::NO_ANSWER);
+    settle_after_row();
     for (const std::string &line : lines_since(SERVER_LOG_FILE, mark))
         EXPECT_TRUE(is_complaint_of_a_tool(line) || is_complaint_of_a_missing_daemon(line) || is_always_written(line))
             << line;

@@ -1,0 +1,148 @@
+// The smoke test of a row of the table: an offered procedure reaches its handler and answers with its kind of result, a
+// pending one does not exist, and cut arguments reach nobody. Each program that includes this instantiates it for its
+// rows; together they have all of them.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <string.h>
+
+#include <string>
+#include <vector>
+
+#include "client/operations.h"
+#include "tests/system/gateway.h"
+
+// Rows that load, start and stop the driver; the tests of everything else need it as it is.
+inline bool is_lifecycle_row(const procedure_row &row) {
+    return strcmp(row.room, "lifecycle/requests") == 0;
+}
+
+inline std::vector<procedure_row> rows_of_lifecycle(bool lifecycle) {
+    std::vector<procedure_row> rows;
+    for (size_t i = 0; i < procedure_row_count; i++)
+        if (is_lifecycle_row(procedure_rows[i]) == lifecycle)
+            rows.push_back(procedure_rows[i]);
+    return rows;
+}
+
+inline bytes sample_argument(argument_kind kind) {
+    switch (kind) {
+        case argument_kind::VAP:
+        case argument_kind::INT:
+        case argument_kind::IGNORED:
+        case argument_kind::UINT:
+        case argument_kind::BOOL:
+        case argument_kind::USHORT:
+            return xdr_word(1);
+        case argument_kind::TEXT:
+            return xdr_string_bytes("word");
+    }
+    return "";
+}
+
+inline bytes sample_arguments(const procedure_row &row) {
+    bytes arguments;
+    for (size_t i = 0; i < row.argument_count; i++)
+        arguments += sample_argument(row.arguments[i].kind);
+    return arguments;
+}
+
+inline bool handler_was_called(const char *procedure, size_t mark) {
+    std::string name = std::string("[VLK-API] ") + procedure + "_1_svc ";
+    for (const std::string &line : lines_since(SERVER_LOG_FILE, mark))
+        if (line.starts_with(name))
+            return true;
+    return false;
+}
+
+// Whether an answer is of its row's kind.
+inline void expect_kind_of_result(const procedure_row &row, const call_reply &reply) {
+    if (row.result.kind == result_kind::CODE) {
+        EXPECT_EQ(reply.result.size(), 4u);
+        return;
+    }
+    decoded_result result = result_of(reply);
+    switch (row.result.kind) {
+        case result_kind::CODE:
+            break;
+        case result_kind::ACTION:
+            EXPECT_TRUE(result.values.empty());
+            EXPECT_TRUE(result.data.empty());
+            break;
+        case result_kind::INTEGERS:
+            EXPECT_EQ(result.values.size(), 4 * row.result.output_count);
+            EXPECT_TRUE(result.data.empty());
+            break;
+        case result_kind::INTEGERS64:
+            EXPECT_EQ(result.values.size(), 8 * row.result.size);
+            EXPECT_TRUE(result.data.empty());
+            break;
+        case result_kind::WORDS:
+            EXPECT_EQ(result.values.size(), row.result.size);
+            EXPECT_TRUE(result.data.empty());
+            break;
+        case result_kind::STRING:
+        case result_kind::LONG_STRING:
+            EXPECT_TRUE(result.values.empty());
+            EXPECT_TRUE(result.data.ends_with('\0'));
+            break;
+        case result_kind::IMAGE:
+            EXPECT_TRUE(result.values.empty());
+            EXPECT_EQ(result.data.size(), row.result.size);
+            break;
+        case result_kind::COUNTED_IMAGE:
+            EXPECT_EQ(result.values.size(), 4u);
+            EXPECT_EQ(result.data.size(), row.result.size);
+            break;
+    }
+}
+
+// Makes the gateway ready for any of the rows that a program calls, and undoes what it left behind or running. Each
+// program has its own.
+void prepare_for_row();
+void settle_after_row();
+
+class Procedures : public testing::TestWithParam<procedure_row> {
+protected:
+    void SetUp() override {
+        prepare_for_row();
+        set_debug(true);
+    }
+    void TearDown() override {
+        set_debug(false);
+        settle_after_row();
+    }
+};
+
+TEST_P(Procedures, AnswersAsItsRowSays) {
+    const procedure_row &row = GetParam();
+    size_t mark = mark_of(SERVER_LOG_FILE);
+    call_reply reply = call(row.number, sample_arguments(row));
+    if (row.kind == procedure_kind::PENDING) {
+        EXPECT_EQ(reply.outcome, call_outcome::NO_PROCEDURE);
+        EXPECT_FALSE(handler_was_called(row.name, mark));
+        return;
+    }
+    ASSERT_EQ(reply.outcome, call_outcome::SUCCESS);
+    EXPECT_TRUE(handler_was_called(row.name, mark));
+    expect_kind_of_result(row, reply);
+}
+
+// Every truncation of an offered procedure's arguments, each behind a whole call of the same procedure, whose bytes the
+// server's receive buffer then still holds.
+TEST_P(Procedures, RefusesTruncatedArgumentsWithoutCallingItsHandler) {
+    const procedure_row &row = GetParam();
+    bytes arguments = sample_arguments(row);
+    if (row.kind == procedure_kind::PENDING || arguments.empty())
+        return;
+    ASSERT_EQ(call(row.number, arguments).outcome, call_outcome::SUCCESS);
+    size_t mark = mark_of(SERVER_LOG_FILE);
+    for (size_t length = 0; length < arguments.size(); length++)
+        EXPECT_EQ(call(row.number, arguments.substr(0, length)).outcome, call_outcome::DECODE_ERROR)
+            << length << " of " << arguments.size() << " bytes";
+    EXPECT_FALSE(handler_was_called(row.name, mark));
+}
+
+inline std::string procedure_name(const testing::TestParamInfo<procedure_row> &info) {
+    return info.param.name;
+}
