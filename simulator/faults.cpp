@@ -1,8 +1,10 @@
 #include "simulator/faults.h"
 
+#include <ctype.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
 
@@ -10,6 +12,9 @@
 
 // Room for a fault's file name, and for that of the file beside it that replaces it.
 constexpr size_t FAULT_PATH_SIZE = sizeof GATEWAY_FAULTS + FAULT_NAME_SIZE + 16;
+
+// The longest that a tool may be told to wait, in seconds: a day.
+constexpr double LONGEST_SLOWNESS = 86400;
 
 // Linux numbers its errors from 1; no architecture goes beyond this.
 constexpr int LARGEST_ERRNO = 4095;
@@ -47,6 +52,14 @@ int fault_errno(const char *name) {
     int number = errno_by_name(value);
     // A hand-made file with another content still means "fail".
     return number != 0 ? number : EIO;
+}
+
+bool fault_slowness(const char *value, double *seconds) {
+    if (strncmp(value, "slow ", 5) != 0 || !isdigit((unsigned char)value[5]))
+        return false;
+    char *end;
+    *seconds = strtod(value + 5, &end);
+    return *end == '\0' && *seconds <= LONGEST_SLOWNESS;
 }
 
 void ioctl_fault_name(unsigned long request, char *name, size_t size) {

@@ -22,6 +22,9 @@ int fault_errno(const char *name);
 // The number of an errno name such as "ENODEV", 0 when there is none.
 int errno_by_name(const char *name);
 
+// Whether a fault's value is "slow SECONDS", with a day at most; then the seconds.
+bool fault_slowness(const char *value, double *seconds);
+
 // Name of the fault of an ioctl request.
 void ioctl_fault_name(unsigned long request, char *name, size_t size);
 

@@ -235,6 +235,9 @@ static bool lay_down_state(const scenario *scene, driver_state *state) {
 static bool start_services(const options *given, const driver_state *state, scenario_driver driver) {
     if (driver == DRIVER_UP && authenticator_start(state, APCFG_STORE) != 0)
         fprintf(stderr, "vlk_simulated_gateway: %s does not run; %s says why\n", HOSTAPD_PROGRAM, GATEWAY_HOSTAPD_LOG);
+    // As after a load.
+    if (driver != DRIVER_UNLOADED)
+        start_soft_block();
     return start_portmapper() && start_server(given->server, given->driver);
 }
 

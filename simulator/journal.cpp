@@ -35,23 +35,27 @@ static void append_text(FILE *line, const char *text) {
         append_byte(line, (unsigned char)*text);
 }
 
-static bool is_plain(const char *argument) {
+static bool is_plain(const char *argument, size_t length) {
     static const char plain[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./:=,+@%-";
-    return *argument != '\0' && argument[strspn(argument, plain)] == '\0';
+    for (size_t i = 0; i < length; i++) {
+        if (memchr(plain, argument[i], sizeof plain - 1) == nullptr)
+            return false;
+    }
+    return length > 0;
 }
 
-static void append_argument(FILE *line, const char *argument) {
+static void append_argument(FILE *line, const char *argument, size_t length) {
     fputc(' ', line);
-    if (is_plain(argument)) {
-        fputs(argument, line);
+    if (is_plain(argument, length)) {
+        fwrite(argument, 1, length, line);
         return;
     }
     fputc('"', line);
-    for (; *argument != '\0'; argument++) {
-        if (*argument == '"')
+    for (size_t i = 0; i < length; i++) {
+        if (argument[i] == '"')
             fputs("\\\"", line);
         else
-            append_byte(line, (unsigned char)*argument);
+            append_byte(line, (unsigned char)argument[i]);
     }
     fputc('"', line);
 }
@@ -98,7 +102,7 @@ void journal_run(const char *tool, int argument_count, char *const *arguments) {
         return;
     fprintf(line.stream, "run %s", tool);
     for (int i = 0; i < argument_count; i++)
-        append_argument(line.stream, arguments[i]);
+        append_argument(line.stream, arguments[i], strlen(arguments[i]));
     end_line(&line);
 }
 
@@ -113,5 +117,19 @@ void journal_ioctl(const char *interface, unsigned long request, unsigned length
         const char *name = strerrorname_np(error);
         fprintf(line.stream, " %s", name != nullptr ? name : "unknown");
     }
+    end_line(&line);
+}
+
+void journal_datagram(const char *name, const char *bytes, size_t have, size_t length) {
+    journal_line line;
+    if (!begin_line(&line))
+        return;
+    bool ended = have == length && have > 0 && bytes[have - 1] == '\0';
+    fprintf(line.stream, "datagram %s", name);
+    append_argument(line.stream, bytes, ended ? have - 1 : have);
+    if (have < length)
+        fprintf(line.stream, " of %zu bytes", length);
+    else if (!ended)
+        fputs(" without NUL", line.stream);
     end_line(&line);
 }

@@ -51,5 +51,15 @@ constexpr const char HOSTAPD_SOCKETS[] = "/var/run/hostapd";
 constexpr const char HOSTAPD_FILE_LIST[] = "/tmp/conf_filename";
 constexpr const char HOSTAPD_ENTROPY_FILE[] = "/etc/wpa2/entropy";
 
+// The statistics collectors' sockets, one an interface.
+constexpr const char RADSTAT_SOCKETS[] = "/var/run/radstat";
+
+// The soft-block daemon: the program, its socket, its black list, and what can be read of it.
+constexpr const char SOFTBLOCK_PROGRAM[] = "/usr/sbin/softblock";
+constexpr const char SOFTBLOCK_SOCKET[] = "/var/run/ssidsteering";
+constexpr const char SOFTBLOCK_BLACK_LIST[] = "/nvram/blackList.dat";
+constexpr const char GATEWAY_SOFTBLOCK[] = "/run/gateway/softblock";
+constexpr const char GATEWAY_SOFTBLOCK_LOG[] = "/run/gateway/softblock.log";
+
 // The gateway's internal address, which the server binds.
 constexpr const char GATEWAY_ADDRESS[] = "192.168.254.254";

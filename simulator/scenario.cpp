@@ -9,6 +9,9 @@
 
 #include "simulator/scenario_reader.h"
 
+// The air around a radio of which the scenario says nothing.
+constexpr scenario_air AIR = {false, 20, 5, 25, 2, -95, 3, 0.1};
+
 // Items, one function each.
 
 // radio 0 band=2.4 mac=00:03:7F:10:00:00 txpower=20
@@ -21,6 +24,7 @@ static bool read_radio(scenario_reader *reader) {
         return complain(reader, "radio %d is declared twice", number);
     radio->declared = true;
     radio->txpower = 20;
+    radio->air = AIR;
     char band[SCENARIO_WORD_SIZE];
     field fields[] = {
         {"band", band, 0, 0, FIELD_WORD, true, false},
@@ -33,6 +37,30 @@ static bool read_radio(scenario_reader *reader) {
     if (!radio->five_ghz && strcmp(band, "2.4") != 0)
         return complain(reader, "band is 2.4 or 5, not \"%s\"", band);
     return true;
+}
+
+// air 0 utilisation=35 activity=12 busy=41 noise=-95 retry=4 swing=5 seconds=0.1
+static bool read_air(scenario_reader *reader) {
+    int number = 0;
+    if (!read_position(reader, 1, "radio", 0, SCENARIO_RADIOS - 1, &number))
+        return false;
+    scenario_radio *radio = &reader->scene->radios[number];
+    scenario_air *air = &radio->air;
+    if (!radio->declared)
+        return complain(reader, "radio %d is not declared yet", number);
+    if (air->declared)
+        return complain(reader, "air of radio %d stands twice", number);
+    air->declared = true;
+    field fields[] = {
+        {"utilisation", &air->utilisation, 0, 100, FIELD_INTEGER, false, false},
+        {"activity", &air->activity, 0, 100, FIELD_INTEGER, false, false},
+        {"busy", &air->busy, 0, 100, FIELD_INTEGER, false, false},
+        {"retry", &air->retry, 0, 100, FIELD_INTEGER, false, false},
+        {"noise", &air->noise, -128, 0, FIELD_INTEGER, false, false},
+        {"swing", &air->swing, 0, 50, FIELD_INTEGER, false, false},
+        {"seconds", &air->seconds, 0, 0, FIELD_SECONDS, false, false},
+    };
+    return read_fields(reader, 2, fields, 7);
 }
 
 // channel 0 6 frequency=2437 flags=0x000704a0
@@ -322,6 +350,7 @@ static const item items[] = {
     {"defaults", read_no_defaults},
     {"blacklist2g", read_blacklisted},
     {"capable5g", read_capable},
+    {"air", read_air},
 };
 
 static bool starts_with_word(const char *text, const char *word) {
@@ -422,6 +451,10 @@ scenario *scenario_new(const char *path, char *error, size_t error_size) {
 
 void scenario_free(scenario *scene) {
     free(scene);
+}
+
+uint64_t scenario_count(const scenario_counter *counter, double seconds) {
+    return counter->start + (uint64_t)((double)counter->per_second * seconds);
 }
 
 // Number behind a name's letters, without sign or leading zeros, or -1.

@@ -33,11 +33,22 @@ struct scenario_channel {
     uint32_t flags;      // what the driver's channel table says
 };
 
+// The air around a radio as its collector measures it: percentages, but for the noise floor (dBm) and the time until
+// the first measurement is there. Every value moves slowly, up to `swing` to either side.
+struct scenario_air {
+    bool declared;
+    int utilisation, activity, busy, retry;
+    int noise;
+    int swing;
+    double seconds;
+};
+
 struct scenario_radio {
     bool declared;
     bool five_ghz;
     char mac[MAC_TEXT_SIZE];
     int txpower;  // dBm
+    scenario_air air;
     int channel_count;
     scenario_channel channels[SCENARIO_CHANNELS];
 };
@@ -47,6 +58,9 @@ struct scenario_counter {
     uint64_t start;
     uint64_t per_second;
 };
+
+// Its value so many seconds after the VAP came up.
+uint64_t scenario_count(const scenario_counter *counter, double seconds);
 
 // What becomes of a WPS exchange: no peer comes until it times out, or one comes and it succeeds or fails.
 enum scenario_wps_result { WPS_RUNS_OUT, WPS_SUCCEEDS, WPS_FAILS };

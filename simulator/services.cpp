@@ -178,6 +178,21 @@ bool start_portmapper(void) {
     return wait_for(portmapper_answers, child, "the portmapper", GATEWAY_PORTMAPPER_LOG);
 }
 
+// What can be read of it is there once its socket is and it has read the store.
+static bool soft_block_is_ready(void) {
+    return access(GATEWAY_SOFTBLOCK, F_OK) == 0;
+}
+
+bool start_soft_block(void) {
+    pid_t child = fork();
+    if (child == 0) {
+        char name[] = "softblock";
+        char *arguments[] = {name, nullptr};
+        become(SOFTBLOCK_PROGRAM, arguments, GATEWAY_SOFTBLOCK_LOG);
+    }
+    return wait_for(soft_block_is_ready, child, "softblock", GATEWAY_SOFTBLOCK_LOG);
+}
+
 // Appends an option to a sanitizer's option list, keeping what the caller set.
 static void add_option(const char *variable, const char *option) {
     char value[1024];

@@ -1,10 +1,13 @@
-// The daemons of the simulated gateway: the portmapper and the server under test.
+// The daemons of the simulated gateway: the portmapper, the soft-block daemon and the server under test.
 //
 // Touches processes, sockets and /run inside the gateway. The gateway's first process.
 #pragma once
 
 // Starts the portmapper and waits until it answers. False after saying why not.
 bool start_portmapper(void);
+
+// Starts the soft-block daemon and waits until it serves. False after saying why not.
+bool start_soft_block(void);
 
 // Lets daemons that give up their groups do so where that is not allowed (an ordinary user's namespace): for this
 // process and all that it starts the call succeeds without doing anything. Where it is allowed nothing changes.

@@ -1,63 +1,19 @@
 #include "simulator/authenticator/restart.h"
 
-#include <ctype.h>
-#include <dirent.h>
-#include <errno.h>
 #include <fcntl.h>
-#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 #include "simulator/paths.h"
+#include "simulator/processes.h"
 #include "simulator/store.h"
 #include "simulator/wps_files.h"
 
-// How long an authenticator may take to end, far more than it needs, and the pause between two looks at it.
-constexpr double END_SECONDS = 1;
-constexpr long LOOK_NANOSECONDS = 2'000'000;
-
-// Whether the process is an authenticator that still runs: not one that only waits for its parent to notice its end.
-static bool is_authenticator(const char *pid) {
-    char path[64];
-    char line[256] = "";
-    snprintf(path, sizeof path, "/proc/%.20s/stat", pid);
-    FILE *file = fopen(path, "re");
-    if (file == nullptr)
-        return false;
-    bool got = fgets(line, sizeof line, file) != nullptr;
-    fclose(file);
-    // "12 (hostapd) S ..."
-    const char *name = strstr(line, " (hostapd) ");
-    return got && name != nullptr && name[strlen(" (hostapd) ")] != 'Z';
-}
-
-// Sends a signal to every authenticator (0: none). Returns how many there are.
-static int signal_all(int number) {
-    DIR *processes = opendir("/proc");
-    int count = 0;
-    while (const dirent *entry = processes != nullptr ? readdir(processes) : nullptr) {
-        if (isdigit((unsigned char)entry->d_name[0]) == 0 || !is_authenticator(entry->d_name))
-            continue;
-        kill((pid_t)atoi(entry->d_name), number);
-        count++;
-    }
-    if (processes != nullptr)
-        closedir(processes);
-    return count;
-}
-
 void authenticator_end(void) {
-    double end = driver_clock() + END_SECONDS;
-    if (signal_all(SIGTERM) == 0)
-        return;
-    while (signal_all(driver_clock() > end ? SIGKILL : 0) > 0) {
-        timespec pause = {0, LOOK_NANOSECONDS};
-        nanosleep(&pause, nullptr);
-    }
+    end_processes("hostapd");
 }
 
 static bool wants_wpa(const store_text *store, int vap) {

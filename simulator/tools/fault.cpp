@@ -9,13 +9,12 @@
 #include "simulator/faults.h"
 #include "simulator/internal_address.h"
 #include "simulator/paths.h"
+#include "simulator/processes.h"
+#include "simulator/requests.h"
 #include "simulator/tools/tools.h"
 
-// The longest that a tool may be told to wait, in seconds: a day.
-constexpr double LONGEST_SLOWNESS = 86400;
-
 // What a fault of this name may be set to.
-enum fault_kind { FAULT_UNKNOWN, FAULT_TOOL, FAULT_ERRNO, FAULT_COUNT, FAULT_ADDRESS };
+enum fault_kind { FAULT_UNKNOWN, FAULT_TOOL, FAULT_DAEMON, FAULT_ERRNO, FAULT_COUNT, FAULT_ADDRESS };
 
 // The kind of a fault; an ioctl's name is rewritten in its one spelling.
 static fault_kind kind_of(char *name, size_t size) {
@@ -35,20 +34,16 @@ static fault_kind kind_of(char *name, size_t size) {
         return FAULT_ERRNO;
     }
     // This tool itself always works, or a fault could not be taken back.
-    return find_tool(name) != nullptr && strcmp(name, "fault") != 0 ? FAULT_TOOL : FAULT_UNKNOWN;
-}
-
-static bool is_slowness(const char *value) {
-    if (strncmp(value, "slow ", 5) != 0 || !isdigit((unsigned char)value[5]))
-        return false;
-    char *end;
-    double seconds = strtod(value + 5, &end);
-    return *end == '\0' && seconds <= LONGEST_SLOWNESS;
+    const tool *named = strcmp(name, "fault") != 0 ? find_tool(name) : nullptr;
+    if (named == nullptr)
+        return FAULT_UNKNOWN;
+    return named->answer_size > 0 ? FAULT_DAEMON : FAULT_TOOL;
 }
 
 static bool is_tool_fault(const char *value) {
+    double seconds;
     return strcmp(value, "silent") == 0 || strcmp(value, "fail") == 0 || strcmp(value, "garbage") == 0 ||
-           strcmp(value, "missing") == 0 || strcmp(value, "hang") == 0 || is_slowness(value);
+           strcmp(value, "missing") == 0 || strcmp(value, "hang") == 0 || fault_slowness(value, &seconds);
 }
 
 // A number that fits the 32-bit word in which the driver says it.
@@ -57,21 +52,6 @@ static bool is_count(const char *value) {
     errno = 0;
     unsigned long number = strtoul(value, &end, 10);
     return isdigit((unsigned char)value[0]) && *end == '\0' && errno == 0 && number <= 0xFFFFFFFF;
-}
-
-static bool is_value(fault_kind kind, const char *value) {
-    switch (kind) {
-        case FAULT_TOOL:
-            return is_tool_fault(value);
-        case FAULT_COUNT:
-            return is_count(value);
-        case FAULT_ERRNO:
-            return errno_by_name(value) != 0;
-        case FAULT_ADDRESS:
-        case FAULT_UNKNOWN:
-            return false;
-    }
-    return false;
 }
 
 static int complain(const char *what) {
@@ -90,6 +70,24 @@ static int change_address(const char *value) {
     return (off ? internal_address_add() : internal_address_remove()) == 0 ? 0 : complain("address");
 }
 
+static bool is_value(fault_kind kind, const char *name, const char *value) {
+    daemon_fault fault;
+    switch (kind) {
+        case FAULT_TOOL:
+            return is_tool_fault(value);
+        case FAULT_DAEMON:
+            return daemon_is_absent(value) || daemon_fault_parse(value, find_tool(name)->answer_size, &fault);
+        case FAULT_COUNT:
+            return is_count(value);
+        case FAULT_ERRNO:
+            return errno_by_name(value) != 0;
+        case FAULT_ADDRESS:
+        case FAULT_UNKNOWN:
+            break;
+    }
+    return false;
+}
+
 static int change(const char *given, const char *value) {
     char name[FAULT_NAME_SIZE];
     snprintf(name, sizeof name, "%s", given);
@@ -102,12 +100,16 @@ static int change(const char *given, const char *value) {
         return change_address(value);
     if (strcmp(value, "off") == 0)
         return fault_clear(name) == 0 ? 0 : complain(name);
-    bool good = strlen(value) < FAULT_VALUE_SIZE && is_value(kind, value);
-    if (!good) {
+    if (strlen(value) >= FAULT_VALUE_SIZE || !is_value(kind, name, value)) {
         fprintf(stderr, "fault: \"%s\" is no value for %s\n", value, name);
         return 1;
     }
-    return fault_set(name, value) == 0 ? 0 : complain(name);
+    if (fault_set(name, value) != 0)
+        return complain(name);
+    // A daemon that cannot be started is one that is not there.
+    if (kind == FAULT_DAEMON && daemon_is_absent(value))
+        end_processes(name);
+    return 0;
 }
 
 // Calls `visit` for each fault that is on.

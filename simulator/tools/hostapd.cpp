@@ -5,18 +5,16 @@
 // it: a WPS exchange goes as the scenario has it.
 #include <errno.h>
 #include <fcntl.h>
-#include <poll.h>
-#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <sys/signalfd.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include "simulator/authenticator/bss.h"
 #include "simulator/authenticator/control.h"
+#include "simulator/daemon.h"
 #include "simulator/paths.h"
 #include "simulator/tools/tools.h"
 
@@ -40,20 +38,6 @@ static bool read_arguments(authenticator *self, int argument_count, char *const 
             self->files[self->count++] = arguments[i];
     }
     return self->count > 0;
-}
-
-// What it was started with is none of its business: neither descriptors nor what its starter did with signals.
-static void cut_ties(void) {
-    sigset_t ends;
-    close_range(STDERR_FILENO + 1, ~0U, 0);
-    signal(SIGHUP, SIG_IGN);
-    signal(SIGTERM, SIG_DFL);
-    signal(SIGINT, SIG_DFL);
-    // From here on an end is an event among others; until it serves, it waits.
-    sigemptyset(&ends);
-    sigaddset(&ends, SIGTERM);
-    sigaddset(&ends, SIGINT);
-    sigprocmask(SIG_SETMASK, &ends, nullptr);
 }
 
 // All or nothing: one file that is no good, and none of its interfaces is served.
@@ -140,7 +124,9 @@ static pid_t detach(void) {
 }
 
 // Answers one command. Whoever asks without a name of his own gets no answer.
-static void serve(bss *asked, int file) {
+static void serve(void *authenticator_self, int number) {
+    authenticator *self = (authenticator *)authenticator_self;
+    int file = self->sockets[number];
     char command[CONTROL_COMMAND_SIZE];
     char answer[BSS_ANSWER_SIZE] = "";
     sockaddr_un from = {};
@@ -149,28 +135,9 @@ static void serve(bss *asked, int file) {
     if (length < 0)
         return;
     command[length] = '\0';
-    bss_answer(asked, command, answer, sizeof answer);
+    bss_answer(&self->interfaces[number], command, answer, sizeof answer);
     if (from_length > sizeof from.sun_family)
         sendto(file, answer, strlen(answer), MSG_DONTWAIT | MSG_NOSIGNAL, (const sockaddr *)&from, from_length);
-}
-
-static void serve_until_told_to_end(authenticator *self) {
-    sigset_t ends;
-    sigprocmask(SIG_SETMASK, nullptr, &ends);
-    pollfd events[SCENARIO_VAPS + 1];
-    events[0] = {signalfd(-1, &ends, SFD_CLOEXEC), POLLIN, 0};
-    for (int i = 0; i < self->count; i++)
-        events[i + 1] = {self->sockets[i], POLLIN, 0};
-    while (true) {
-        if (poll(events, (nfds_t)self->count + 1, -1) < 0)
-            continue;
-        if (events[0].revents != 0)
-            return;
-        for (int i = 0; i < self->count; i++) {
-            if (events[i + 1].revents != 0)
-                serve(&self->interfaces[i], self->sockets[i]);
-        }
-    }
 }
 
 static int run(authenticator *self) {
@@ -189,7 +156,7 @@ static int run(authenticator *self) {
     }
     if (!self->background)
         write_pid(getpid());
-    serve_until_told_to_end(self);
+    daemon_serve(self->sockets, self->count, serve, self);
     remove_pid();
     take_sockets_away(self, self->count);
     return 0;
@@ -201,7 +168,7 @@ int tool_hostapd(int argument_count, char *const *arguments) {
         free(self);
         return tool_usage("hostapd");
     }
-    cut_ties();
+    daemon_cut_ties();
     int status = run(self);
     free(self);
     return status;

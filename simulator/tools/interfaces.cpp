@@ -97,10 +97,6 @@ int tool_iwconfig(int argument_count, char *const *arguments) {
     return status;
 }
 
-static uint64_t count(const scenario_counter *counter, double seconds) {
-    return counter->start + (uint64_t)((double)counter->per_second * seconds);
-}
-
 static void print_bytes(const char *label, uint64_t bytes) {
     static const char *const units[] = {"B", "KiB", "MiB", "GiB", "TiB"};
     double shown = (double)bytes;
@@ -116,13 +112,13 @@ static void print_interface(const interface *wanted) {
     printf("%-9s Link encap:Ethernet  HWaddr %s  \n", wanted->name, vap->bssid);
     fputs("          UP BROADCAST RUNNING MULTICAST  MTU:1500  Metric:1\n", stdout);
     printf("          RX packets:%" PRIu64 " errors:0 dropped:0 overruns:0 frame:0\n",
-           count(&vap->rx_packets, seconds));
+           scenario_count(&vap->rx_packets, seconds));
     printf("          TX packets:%" PRIu64 " errors:0 dropped:0 overruns:0 carrier:0\n",
-           count(&vap->tx_packets, seconds));
+           scenario_count(&vap->tx_packets, seconds));
     fputs("          collisions:0 txqueuelen:0 \n          ", stdout);
-    print_bytes("RX", count(&vap->rx_bytes, seconds));
+    print_bytes("RX", scenario_count(&vap->rx_bytes, seconds));
     fputs("  ", stdout);
-    print_bytes("TX", count(&vap->tx_bytes, seconds));
+    print_bytes("TX", scenario_count(&vap->tx_bytes, seconds));
     fputs("\n\n", stdout);
 }
 

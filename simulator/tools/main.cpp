@@ -1,12 +1,16 @@
 // Chooses the tool by name, writes the call to the journal, and lets a fault take the tool's place.
+#include <errno.h>
 #include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
 
+#include "simulator/collector/measurement.h"
 #include "simulator/faults.h"
 #include "simulator/journal.h"
 #include "simulator/paths.h"
+#include "simulator/processes.h"
+#include "simulator/requests.h"
+#include "simulator/soft_block/black_list.h"
 #include "simulator/tools/driver_time.h"
 #include "simulator/tools/tools.h"
 
@@ -14,7 +18,8 @@
 constexpr int STATUS_NOT_FOUND = 127;
 
 static const tool tools[] = {
-#define TOOL(name, function, path, usage) {name, function, path, usage},
+#define TOOL(name, function, path, usage) {name, function, path, usage, 0},
+#define DAEMON(name, function, path, answer, usage) {name, function, path, usage, sizeof(answer)},
 #include "simulator/tools/list.def"
 #undef TOOL
 };
@@ -29,6 +34,16 @@ const tool *find_tool(const char *name) {
             return &candidate;
     }
     return nullptr;
+}
+
+// The row of what was called, under its own name or, a daemon, with a number behind it.
+static const tool *find_called(const char *name) {
+    const tool *called = find_tool(name);
+    for (const tool &candidate : tools) {
+        if (called == nullptr && candidate.answer_size > 0 && is_name_of(candidate.name, name))
+            called = &candidate;
+    }
+    return called;
 }
 
 int tool_usage(const char *name) {
@@ -48,8 +63,11 @@ static bool obey_fault(const tool *called, int *status) {
     char value[FAULT_VALUE_SIZE];
     if (!fault_get(called->name, value, sizeof value))
         return false;
-    if (strncmp(value, "slow ", 5) == 0) {
-        sleep_seconds(atof(value + 5));
+    if (called->answer_size > 0 && !daemon_is_absent(value))
+        return false;
+    double seconds;
+    if (fault_slowness(value, &seconds)) {
+        sleep_seconds(seconds);
         return false;
     }
     // Until somebody kills the process.
@@ -69,9 +87,8 @@ static bool obey_fault(const tool *called, int *status) {
 }
 
 int main(int argument_count, char **arguments) {
-    const char *name = argument_count > 0 ? arguments[0] : "";
-    const char *slash = strrchr(name, '/');
-    const tool *called = find_tool(slash != nullptr ? slash + 1 : name);
+    const char *name = program_invocation_short_name;
+    const tool *called = find_called(name);
     if (called == nullptr) {
         fprintf(stderr, "%s is no tool of the simulated gateway\n", name);
         return STATUS_NOT_FOUND;
@@ -81,7 +98,7 @@ int main(int argument_count, char **arguments) {
         fprintf(stderr, "%s runs only inside the simulated gateway\n", called->name);
         return 1;
     }
-    journal_run(called->name, argument_count - 1, arguments + 1);
+    journal_run(name, argument_count - 1, arguments + 1);
     int status;
     if (!obey_fault(called, &status))
         status = called->run(argument_count - 1, arguments + 1);

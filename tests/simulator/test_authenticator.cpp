@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <string>
 
-#include "tests/simulator/platform.h"
+#include "tests/simulator/daemons.h"
 
 namespace {
 
@@ -19,18 +19,13 @@ const std::string FILE_0 = "/nvram/etc/wpa2/WSC_ath0.conf";
 const std::string FILE_8 = "/nvram/etc/wpa2/WSC_ath8.conf";
 const std::string START = "/sbin/hostapd -B " + FILE_0 + " " + FILE_8 + " -e /etc/wpa2/entropy";
 
-// The pids of all authenticators, a line each.
+// The pids of all authenticators that run, a line each.
 std::string pids() {
-    return run_shell("pgrep -x hostapd").output;
+    return pids_of("hostapd");
 }
 
 std::string pid_file() {
     return read_file("/run/hostapd.pid");
-}
-
-bool exists(const std::string &path) {
-    struct stat status;
-    return lstat(path.c_str(), &status) == 0;
 }
 
 std::string ping(const std::string &interface) {

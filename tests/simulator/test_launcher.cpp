@@ -177,6 +177,34 @@ TEST(Launcher, AnAuthenticatorThatDoesNotStartIsReportedAndTheGatewayRunsWithout
     EXPECT_EQ(shown.output, "Failed to set up interface with /nvram/etc/wpa2/WSC_ath0.conf\n");
 }
 
+// The soft-block daemon at the start of a gateway.
+
+constexpr const char SHOW_SOFT_BLOCK[] =
+    "pgrep -c -x softblock; ls /var/run/ssidsteering /run/gateway/softblock 2>/dev/null; pgrep -c radstat";
+
+std::string soft_block_with(const std::string &driver, bool bare_gateway) {
+    write_file("driver.scn", "driver " + driver + "\nradio 0 band=2.4 mac=00:03:7F:10:00:00\n");
+    lines words = {LAUNCHER, "--rpcbind", RPCBIND, "--scenario", "driver.scn"};
+    if (bare_gateway)
+        words.push_back("--bare");
+    words.insert(words.end(), {"run", "sh", "-c", SHOW_SOFT_BLOCK});
+    outcome shown = run(words);
+    EXPECT_EQ(shown.errors, "");
+    return shown.output;
+}
+
+TEST(Launcher, AGatewayWhoseDriverIsLoadedHasTheSoftBlockDaemonFromTheBeginningAndNoCollector) {
+    ASSERT_NE(RPCBIND, "");
+    EXPECT_EQ(soft_block_with("loaded", false), "1\n/run/gateway/softblock\n/var/run/ssidsteering\n0\n");
+    EXPECT_EQ(soft_block_with("up", false), "1\n/run/gateway/softblock\n/var/run/ssidsteering\n0\n");
+}
+
+TEST(Launcher, AGatewayWhoseDriverIsNotLoadedAndABareOneHaveNone) {
+    ASSERT_NE(RPCBIND, "");
+    EXPECT_EQ(soft_block_with("unloaded", false), "0\n0\n");
+    EXPECT_EQ(soft_block_with("up", true), "0\n0\n");
+}
+
 // A server that looks for the authenticator as the real one does, and ends; its words end up in the launcher's.
 lines looking_server() {
     write_file("server-that-looks", "#!/bin/sh\n/bin/ps | grep hostapd | sed 's/.* //'\n");

@@ -196,6 +196,41 @@ TEST(Scenario, AWpsItemSaysWhatBecomesOfAnExchangeAndWhichLinesTheFileHas) {
     EXPECT_STREQ(one.scene->wps_lines[2].value, "b=c");
 }
 
+TEST(Scenario, AnAirItemKeepsWhatItDoesNotName) {
+    parsed plain(RADIO);
+    ASSERT_NE(plain.scene, nullptr) << plain.error;
+    parsed one(RADIO + "air 0 activity=12 noise=-101 swing=5 seconds=1.5\n");
+    ASSERT_NE(one.scene, nullptr) << one.error;
+    const scenario_air *air = &one.scene->radios[0].air;
+    EXPECT_EQ(air->activity, 12);
+    EXPECT_EQ(air->noise, -101);
+    EXPECT_EQ(air->swing, 5);
+    EXPECT_EQ(air->seconds, 1.5);
+    EXPECT_EQ(air->utilisation, plain.scene->radios[0].air.utilisation);
+    parsed rest(RADIO + "air 0 utilisation=100 busy=0 retry=99\n");
+    ASSERT_NE(rest.scene, nullptr) << rest.error;
+    EXPECT_EQ(rest.scene->radios[0].air.utilisation, 100);
+    EXPECT_EQ(rest.scene->radios[0].air.busy, 0);
+    EXPECT_EQ(rest.scene->radios[0].air.retry, 99);
+}
+
+TEST(Scenario, AnAirItemThatDoesNotFitIsRefused) {
+    EXPECT_EQ(refusal("air 0\n"), "test.scn:1: radio 0 is not declared yet");
+    EXPECT_EQ(refusal("air\n"), "test.scn:1: air needs a radio");
+    EXPECT_EQ(refusal("air 2\n"), "test.scn:1: \"2\" is no radio from 0 to 1");
+    EXPECT_EQ(refusal(RADIO + "air 0\nair 0\n"), "test.scn:3: air of radio 0 stands twice");
+    for (const char *good : {"utilisation=0", "noise=-128", "noise=0", "swing=50"})
+        EXPECT_NE(parsed(RADIO + "air 0 " + good + "\n").scene, nullptr) << good;
+    EXPECT_EQ(refusal(RADIO + "air 0 wind=5\n"), "test.scn:2: air has no \"wind\"");
+    for (const char *bad : {"utilisation=101", "activity=-1", "busy=101", "retry=101", "noise=-129", "noise=1",
+                            "swing=51", "swing=-1", "seconds=-1"}) {
+        std::string text = bad;
+        size_t equals = text.find('=');
+        EXPECT_EQ(refusal(RADIO + "air 0 " + text + "\n"),
+                  "test.scn:2: \"" + text.substr(equals + 1) + "\" is no good value for " + text.substr(0, equals));
+    }
+}
+
 TEST(Scenario, WithoutAResultNobodyComesToAnExchange) {
     parsed none(VAP);
     ASSERT_NE(none.scene, nullptr) << none.error;
