@@ -14,3 +14,4 @@
 #include "steering/channel_switch.h"
 #include "steering/mac_list.h"
 #include "steering/soft_block.h"
+#include "survey/collector.h"

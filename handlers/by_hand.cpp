@@ -37,6 +37,16 @@ bool_t wlan_get_status_1_svc(int index, wlan_config_result_data_t *result, svc_r
     return TRUE;
 }
 
+// The line behind the call has another beginning than every other handler's: whoever watches for it searches for these
+// words.
+bool_t wlan_ap_auto_channel_select_1_svc(int index, wlan_config_result_data_t *result, svc_req *) {
+    log_debug("[VLK-API] %s  WLAN RPC server : [index %d]\n", __func__, index);
+    result->return_code = static_cast<wlan_config_return_code_e>(wlan_apAutoChannelSelect(index));
+    pack_nothing(result);
+    log_debug("[VLK-API] %s  WLAN RPC server return code :%d\n", __func__, result->return_code);
+    return TRUE;
+}
+
 // The wait threshold has no back end: it is accepted and never kept, and reading it gives a record without a value.
 bool_t wlan_set_advairtime_wait_threshold_1_svc(int index, int threshold, wlan_config_return_code_e *result,
                                                 svc_req *) {

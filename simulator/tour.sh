@@ -1,5 +1,5 @@
 #!/bin/sh
-# The tour of the simulated gateway: some twenty calls of the client, each with what it made the gateway do.
+# The tour of the simulated gateway: some thirty calls of the client, each with what it made the gateway do.
 #
 # Runs inside the gateway (vlk_simulated_gateway tour). Below each call stand, indented, the journal lines that it
 # caused. Ends with one summary line; status 1 when a call did not end as it should.
@@ -20,11 +20,18 @@ show() {
     printf '%s\n' "$line"
 }
 
+# Prints what the gateway has done since the last time.
+shown=$(wc -l <"$journal")
+show_journal() {
+    lines=$(wc -l <"$journal")
+    head -n "$lines" "$journal" | tail -n "+$((shown + 1))" | sed 's/^/      /'
+    shown=$lines
+}
+
 # step STATUS COMMAND...: runs a command that should end with this exit status.
 step() {
     expected=$1
     shift
-    before=$(wc -l <"$journal")
     show "$@"
     "$@" 2>&1
     status=$?
@@ -33,12 +40,27 @@ step() {
         surprises=$((surprises + 1))
         echo "!! exit status $status instead of $expected"
     fi
-    tail -n "+$((before + 1))" "$journal" | sed 's/^/      /'
+    show_journal
     echo
 }
 
 call() {
     step 0 "$client" "$@"
+}
+
+# Shows what happens from here on, until the driver is up and the server has nothing left to do.
+follow() {
+    for _ in $(seq 100); do
+        sleep 0.2
+        show_journal
+        if grep -q '^up ath8' /run/gateway/driver && [ "$(tail -n 1 "$journal")" = "$1" ]; then
+            echo
+            return
+        fi
+    done
+    surprises=$((surprises + 1))
+    echo "!! not up after twenty seconds"
+    echo
 }
 
 echo "A gateway with a store of $(grep -c = /tmp/.apcfg) settings. Indented: what each call made it do."
@@ -66,8 +88,24 @@ call setMacAddressControlAdd 1 02:00:00:00:00:42 steerlist
 call getMacAddressControlList 1
 call setWpsPushbutton 1
 call getWpsStatus 1
+call setRadStatEnable 1 1 30 1800
+sleep 0.3
+call getChannelStatistics 1
+call setSoftblockBlackListAdd 1 28:6A:BA:4C:10:01
+call getSoftblockBlackList 1
+call getBsBss2gTempBlacklistTable 1
 # VAP 9 is on the 5 GHz radio, which has no channel 6: the server refuses and says so.
 step 1 "$client" setChannel 9 6
+
+echo "Factory settings come from the board's other processor."
+call setRestoreDefaults 2
+call getSsid 3
+echo "Taking the driver down takes a while, so the call only starts it. The next request waits in the queue until three"
+echo "seconds after the first one's end, and brings everything up again."
+call reset
+call init
+follow "popen /usr/sbin/vlk_rpc_wlan_config_client checkThreadQueue"
+call getStatus 1
 
 if [ "$surprises" -eq 0 ]; then
     echo "The tour is over: $calls commands, all as expected."

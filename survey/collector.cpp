@@ -172,7 +172,8 @@ int wlan_setRadStatEnable_1(int index, int on, int rate, int interval, int r) {
     int n = interface_number(index);
     char link[LINK_PATH_SIZE];
     snprintf(link, sizeof(link), "/var/run/radstat%d", n);
-    // Each collector runs under a name of its own, so that it can be ended alone.
+    // Each collector runs under a name of its own, so that it can be ended alone. A link that leads nowhere counts as
+    // none: `ln` then says that there is one.
     if (access(link, F_OK) != 0) {
         execute("ln -s -T /usr/sbin/radstat /var/run/radstat%d", n);
     }
@@ -190,7 +191,7 @@ int wlan_setRadStatEnable_1(int index, int on, int rate, int interval, int r) {
 }
 
 // Replaces a number by the stored one. True when there is one, with its text (STORE_VALUE_SIZE bytes).
-static bool read_wish(const char *key, char *text, int *number) {
+static bool read_stored(const char *key, char *text, int *number) {
     if (athcfg_getbyname(0, key, text, STORE_VALUE_SIZE) != 0) {
         return false;
     }
@@ -200,13 +201,13 @@ static bool read_wish(const char *key, char *text, int *number) {
 
 void getRSGSettings(int *mode, int *rate, int *interval) {
     char text[STORE_VALUE_SIZE];
-    if (read_wish("RSG_Enable", text, mode)) {
+    if (read_stored("RSG_Enable", text, mode)) {
         log_debug("[VLK-API] %s %s: get RSG_Enable %s\n", __func__, __func__, text);
     }
-    if (read_wish("RSG_Rate", text, rate)) {
+    if (read_stored("RSG_Rate", text, rate)) {
         log_debug("[VLK-API] %s %s: get RSG_Rate %s\n", __func__, __func__, text);
     }
-    if (read_wish("RSG_Interval", text, interval)) {
+    if (read_stored("RSG_Interval", text, interval)) {
         log_debug("[VLK-API] %s %s: get RSG_Interval %s\n", __func__, __func__, text);
     }
 }
@@ -250,13 +251,12 @@ int ath_getApNoiseFloor(int index, int *noise_floor) {
     char command[sizeof("iwpriv ath-2147483648 get_channf")];
     snprintf(command, sizeof(command), "iwpriv ath%d get_channf", interface_number(index));
     log_debug("[VLK-API] %s %s: index %d, execute cmd: %s\n", __func__, __func__, index, command);
-    char *output;
+    char *output = nullptr;
     int status = athcfg_executecmd(__func__, command, &output);
-    char number[sizeof("-2147483648")];
-    if (status == 0 && output && sscanf(output, "%*[^:]:%11s", number) == 1) {
-        *noise_floor = atoi(number);
-    } else {
-        status = -1;
+    if (status == 0) {
+        // "ath0      get_channf:-95"; a tool that says nothing of it reads as 0, like every absent text.
+        const char *colon = output ? strchr(output, ':') : nullptr;
+        *noise_floor = colon ? atoi(colon + 1) : 0;
     }
     free(output);
     return status;

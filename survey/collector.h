@@ -14,6 +14,7 @@ constexpr int RSSI_TABLE_ENTRIES = 37;
 
 // Readings. VAP 1 asks the collector of the 2.4 GHz radio, VAP 9 that of the 5 GHz radio, any other index a collector
 // that usually does not run. All return 0; without an answer within two seconds the outputs are -1, packet counts 0.
+// What a short answer does not reach is 0.
 int wlan_getChannelStatistics(int index, int *utilisation, int *activity, int *busy);             // percent
 int wlan_getChannelNoiseFloor(int index, int *minimum, int *maximum, int *median, int *average);  // dBm
 int wlan_getRadioTxPackets(int index, int64_t *packets);
@@ -40,5 +41,6 @@ void wlan_applyRSGSettings(int index);
 // Has the driver choose the channel. Always 0.
 int wlan_apAutoChannelSelect(int index);
 
-// The driver's noise floor, dBm. -1 and the output as it was when the tool could not be run or said nothing of it.
+// The driver's noise floor, dBm; 0 when the tool says nothing of it. -1, and the output as it was, when the tool could
+// not be run. For whoever debugs a radio: no procedure leads here.
 int ath_getApNoiseFloor(int index, int *noise_floor);

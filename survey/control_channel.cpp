@@ -8,22 +8,22 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/socket.h>
-#include <sys/time.h>
+#include <time.h>
 #include <unistd.h>
 
 #include "config/log.h"
 #include "config/store.h"
 
 // How long a daemon may take to accept a datagram, and again to answer it. The service thread serves nobody meanwhile.
-constexpr int CHANNEL_WAIT_SECONDS = 2;
+constexpr int CHANNEL_WAIT_MS = 2000;
 
 constexpr int SEND_FAILED = -1;
 constexpr int NO_ANSWER = -2;
 constexpr int RECEIVE_FAILED = -3;
 
-// The highest VAP index whose answers are remembered in slot 0. That VAP 8 shares the other radio's slot matters to
-// nobody: statistics are asked for VAP 1 and VAP 9, and clients that ask for others get the same cached numbers as
-// ever.
+// The highest VAP index whose answers are remembered in slot 0. VAP 8 is of the first radio and shares the slot of the
+// second all the same. Do not mend it: collectors run for VAPs 1 and 9 only, and what a client is told that asks for
+// VAP 8 without a collector is what VAP 9 answered last.
 constexpr int SLOT_0_INDEX_MAX = 7;
 
 // "/var/run/radstat/ath%d" with the longest number.
@@ -67,7 +67,7 @@ static int bind_local(const rad_ctrl_conn *connection) {
         log_error("[VLK-API] Error %s Could not bind - %s \n", "rad_ctrl_open", strerror(errno));
         return -1;
     }
-    // Left behind by an earlier process with this id.
+    // Left behind by an earlier process with this id. What is still in the way then is no socket of ours.
     unlink(connection->local.sun_path);
     return bind(connection->sock, address, sizeof(connection->local));
 }
@@ -78,8 +78,6 @@ static int connect_socket(rad_ctrl_conn *connection) {
     if (connection->sock < 0) {
         return -1;
     }
-    const timeval wait = {CHANNEL_WAIT_SECONDS, 0};
-    setsockopt(connection->sock, SOL_SOCKET, SO_SNDTIMEO, &wait, sizeof(wait));
     if (bind_local(connection) == 0) {
         const sockaddr *peer = reinterpret_cast<const sockaddr *>(&connection->peer);
         if (connect(connection->sock, peer, sizeof(connection->peer)) == 0) {
@@ -119,8 +117,37 @@ void rad_ctrl_close(rad_ctrl_conn *connection) {
     free(connection);
 }
 
+static int64_t now_ms(void) {
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
+}
+
+// Waits until the socket is ready for an event, and no longer than to the deadline however many signals arrive.
+// Returns 1 when it is ready, 0 when the time is over, -1 on failure.
+static int wait_until_ready(int sock, short event, int64_t deadline_ms) {
+    for (;;) {
+        int64_t left = deadline_ms - now_ms();
+        if (left <= 0) {
+            return 0;
+        }
+        pollfd ready = {sock, event, 0};
+        int count = poll(&ready, 1, static_cast<int>(left));
+        if (count >= 0 || errno != EINTR) {
+            return count;
+        }
+    }
+}
+
 int rad_ctrl_send(const rad_ctrl_conn *connection, const void *data, size_t length) {
-    return send(connection->sock, data, length, 0) < 0 ? -1 : 0;
+    int64_t deadline_ms = now_ms() + CHANNEL_WAIT_MS;
+    while (send(connection->sock, data, length, MSG_DONTWAIT) < 0) {
+        // EAGAIN is a daemon whose queue is full.
+        if (errno != EAGAIN || wait_until_ready(connection->sock, POLLOUT, deadline_ms) <= 0) {
+            return -1;
+        }
+    }
+    return 0;
 }
 
 int rad_ctrl_request(const rad_ctrl_conn *connection, const void *request, size_t length, void *reply,
@@ -128,15 +155,11 @@ int rad_ctrl_request(const rad_ctrl_conn *connection, const void *request, size_
     if (rad_ctrl_send(connection, request, length) != 0) {
         return SEND_FAILED;
     }
-    pollfd answer = {connection->sock, POLLIN, 0};
-    int ready = poll(&answer, 1, CHANNEL_WAIT_SECONDS * 1000);
-    if (ready < 0) {
-        return RECEIVE_FAILED;
-    }
+    int ready = wait_until_ready(connection->sock, POLLIN, now_ms() + CHANNEL_WAIT_MS);
     if (ready == 0) {
         return NO_ANSWER;
     }
-    ssize_t received = recv(connection->sock, reply, *reply_length, 0);
+    ssize_t received = ready < 0 ? -1 : recv(connection->sock, reply, *reply_length, MSG_DONTWAIT);
     if (received < 0) {
         return RECEIVE_FAILED;
     }
@@ -148,12 +171,17 @@ static uint8_t *slot_of(int index) {
     return buf_reply + (index > SLOT_0_INDEX_MAX ? COLLECTOR_ANSWER_SIZE : 0);
 }
 
-// Puts the remembered answer of a radio into a reply.
-static void recall(int index, void *reply, size_t *reply_length) {
+static size_t one_answer_at_most(size_t length) {
+    return length < COLLECTOR_ANSWER_SIZE ? length : COLLECTOR_ANSWER_SIZE;
+}
+
+// Puts the remembered answer of a radio into a reply that has room for so many bytes.
+static void recall(int index, void *reply, size_t room, size_t *reply_length) {
+    size_t length = one_answer_at_most(room);
     pthread_mutex_lock(&remembered);
-    memcpy(reply, slot_of(index), COLLECTOR_ANSWER_SIZE);
+    memcpy(reply, slot_of(index), length);
     pthread_mutex_unlock(&remembered);
-    *reply_length = COLLECTOR_ANSWER_SIZE;
+    *reply_length = length;
 }
 
 // Remembers an answer. A short one leaves the rest of what is remembered as it is.
@@ -164,9 +192,9 @@ static void remember(int index, const void *answer, size_t length) {
 }
 
 void rad_ctrl_forget(int index) {
-    pthread_mutex_lock(&remembered);
-    memset(slot_of(index), 0xFF, COLLECTOR_ANSWER_SIZE);
-    pthread_mutex_unlock(&remembered);
+    uint8_t nothing[COLLECTOR_ANSWER_SIZE];
+    memset(nothing, 0xFF, sizeof(nothing));
+    remember(index, nothing, sizeof(nothing));
 }
 
 static bool is_all_zero(const void *bytes, size_t length) {
@@ -179,11 +207,12 @@ static bool is_all_zero(const void *bytes, size_t length) {
     return true;
 }
 
-// A collector that has only just been started answers zeros: the last real numbers of its radio are better.
-static void use_memory(int index, void *reply, size_t *reply_length) {
-    size_t length = *reply_length < COLLECTOR_ANSWER_SIZE ? *reply_length : COLLECTOR_ANSWER_SIZE;
+// A collector that has only just been started answers zeros, or nothing at all: the last real numbers of its radio are
+// better.
+static void use_memory(int index, void *reply, size_t room, size_t *reply_length) {
+    size_t length = one_answer_at_most(*reply_length);
     if (is_all_zero(reply, length)) {
-        recall(index, reply, reply_length);
+        recall(index, reply, room, reply_length);
     } else {
         remember(index, reply, length);
     }
@@ -200,17 +229,18 @@ static rad_ctrl_conn *open_daemon(int index, int kind) {
 
 int rad_ctrl_request_buffered(int index, const void *request, size_t length, void *reply, size_t *reply_length,
                               int kind) {
+    const size_t room = *reply_length;
     rad_ctrl_conn *connection = open_daemon(index, kind);
     if (!connection) {
         log_error("[VLK-API] Error %s Could not connect\n", __func__);
         if (kind == RAD_CTRL_STATISTICS) {
-            recall(index, reply, reply_length);
+            recall(index, reply, room, reply_length);
         }
         return -1;
     }
     int status = rad_ctrl_request(connection, request, length, reply, reply_length);
     if (status == 0 && kind == RAD_CTRL_STATISTICS) {
-        use_memory(index, reply, reply_length);
+        use_memory(index, reply, room, reply_length);
     }
     rad_ctrl_close(connection);
     return status;

@@ -12,31 +12,13 @@
 
 #include "server/wire.h"
 #include "tests/system/gateway.h"
+#include "tests/system/lifecycle.h"
 #include "tests/system/smoke.h"
 
 namespace {
 
-using std::chrono::steady_clock;
-
-// Far longer than anything here takes, also under a sanitizer on a busy machine.
-constexpr int PATIENCE_SECONDS = 60;
-
 // A script that is to be running takes this long, or until it is killed.
 constexpr const char SLOW[] = "slow 600";
-
-bool eventually(const std::function<bool()> &condition) {
-    auto deadline = steady_clock::now() + std::chrono::seconds(PATIENCE_SECONDS);
-    while (!condition()) {
-        if (steady_clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return true;
-}
-
-double seconds_since(steady_clock::time_point begin) {
-    return std::chrono::duration<double>(steady_clock::now() - begin).count();
-}
 
 // One request, and the script that its worker runs first.
 struct kind {
@@ -58,42 +40,6 @@ std::string still_processing(const kind &busy) {
 
 std::string cancelling(const kind &busy) {
     return std::string("[VLK-API] Error thread_wrapper ********** cancelling ") + busy.name + " process **********";
-}
-
-// A call that may take as long as a cancellation.
-call_reply call_patiently(uint32_t procedure, const bytes &arguments) {
-    int client = open_client_socket();
-    bytes answer;
-    EXPECT_TRUE(
-        send_datagram(client, call_header(1, WLAN_CONFIG_RPC_PROG, WLAN_CONFIG_API_VERSION, procedure) + arguments));
-    EXPECT_TRUE(receive_datagram(client, &answer, PATIENCE_SECONDS * 1000));
-    close(client);
-    return parse_reply(answer);
-}
-
-// --- the server's child ---
-
-int last_child() {
-    int supervisor = 0, child = 0;
-    for (const std::string &line : lines_since(SERVER_LOG_FILE, 0))
-        sscanf(line.c_str(), "VLK WLAN RPC Server pid=%d forked child pid=%d", &supervisor, &child);
-    return child;
-}
-
-// Ends the child with everything that it knows, and waits until the next one serves.
-void renew_child() {
-    int before = last_child();
-    ASSERT_EQ(kill(before, SIGKILL), 0);
-    EXPECT_TRUE(eventually([&] { return last_child() != before && call(0, "").outcome == call_outcome::SUCCESS; }));
-}
-
-// Ends whatever a test left under way: scripts that run, workers that wait for them, a queue that is not empty.
-void settle() {
-    run_command("fault off");
-    renew_child();
-    run_command("killall -q apup apup_simple fast_down.sh insmod radstat0 radstat8");
-    // A reconnect that was cut short must not leave the chips in reset or off the bus.
-    run_command("wps_gpio write 10 1; wps_gpio write 100 0; echo 1 > /sys/bus/pci/rescan");
 }
 
 class Lifecycle : public WatchedGateway {
@@ -327,10 +273,6 @@ std::string kind_name(const testing::TestParamInfo<kind> &info) {
 INSTANTIATE_TEST_SUITE_P(Each, LifecycleStart, testing::Values(LOAD, INIT, RESET, RESTART, RESTART_ALL), kind_name);
 
 // --- the workers on the platform ---
-
-bool is_up(const char *interface) {
-    return run_command(std::string("ifconfig ") + interface).status == 0;
-}
 
 // The steps of a chip reset, as they reach the shell.
 const strings CHIP_RESET = {
