@@ -64,19 +64,24 @@ std::string debug_lines(Block block) {
     return capture(block).out;
 }
 
+// What a block prints behind this beginning of a line, with debugging on, a line an element.
+template <typename Block>
+calls printed_behind(const std::string &beginning, Block block) {
+    std::string lines = debug_lines(block);
+    set_debug(false);
+    calls found;
+    for (size_t at = 0; (at = lines.find(beginning, at)) != std::string::npos;) {
+        at += beginning.size();
+        found.push_back(lines.substr(at, lines.find('\n', at) - at));
+    }
+    return found;
+}
+
 // The commands with captured output that a block runs, exactly as they are handed over; tool_calls() has what the shell
 // makes of them. None of them may have more than one line.
 template <typename Block>
 calls commands_of(Block block) {
-    const std::string mark = "[VLK-API] athcfg_executecmd athcfg_executecmd: cmd:";
-    std::string lines = debug_lines(block);
-    set_debug(false);
-    calls commands;
-    for (size_t at = 0; (at = lines.find(mark, at)) != std::string::npos;) {
-        at += mark.size();
-        commands.push_back(lines.substr(at, lines.find('\n', at) - at));
-    }
-    return commands;
+    return printed_behind("[VLK-API] athcfg_executecmd athcfg_executecmd: cmd:", block);
 }
 
 inline bool contains(const std::string &text, const std::string &part) {

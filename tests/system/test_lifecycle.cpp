@@ -346,6 +346,19 @@ TEST_F(LifecycleWorker, ScriptThatIsKilledCountsAsASuccess) {
     EXPECT_EQ(printed("[VLK-API] Error init_thread_function"), 0);
 }
 
+// The shell says that there is no such script and could itself be started: nobody looks at what it returned.
+TEST_F(LifecycleWorker, ScriptThatIsMissingCountsAsASuccessAndLeavesTheWorkerIdle) {
+    run_command("fast_down.sh; fault apup missing");
+    file(INIT);
+    ASSERT_TRUE(await_queue_checks(1));
+    EXPECT_EQ(printed("[VLK-API] init_thread_function wlan init - traffic is now passing."), 1);
+    EXPECT_FALSE(is_up("ath0"));
+    run_command("fault apup off");
+    file(INIT);
+    ASSERT_TRUE(await_queue_checks(2));
+    EXPECT_TRUE(is_up("ath0"));
+}
+
 TEST_F(LifecycleWorker, ScriptThatCannotBeStartedIsSaidAndLeavesTheWorkerIdle) {
     run_command("fault popen EMFILE");
     file(LOAD);

@@ -1,12 +1,7 @@
 // Soft block over the wire: the reply, the store, what reaches the daemon, to the byte, and the lines without one. The
 // tests are the daemon here: one that runs is ended first and started again at the end.
-#include <errno.h>
 #include <gtest/gtest.h>
 #include <limits.h>
-#include <poll.h>
-#include <string.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -16,7 +11,7 @@
 
 #include "server/records.h"
 #include "server/wire.h"
-#include "survey/control_channel.h"
+#include "tests/support/steering_listener.h"
 #include "tests/system/gateway.h"
 
 namespace {
@@ -25,61 +20,6 @@ const char BLACK_LIST[] = "/nvram/blackList.dat";
 
 // How long a daemon may take to end or to start, in hundredths of a second.
 constexpr int PATIENCE = 1000;
-
-sockaddr_un steering_address() {
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    strncpy(address.sun_path, STEERING_SOCKET, sizeof(address.sun_path) - 1);
-    return address;
-}
-
-// The daemon's socket: what it is sent stays in its queue until somebody looks.
-struct listener {
-    int sock;
-
-    listener() : sock(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_un address = steering_address();
-        EXPECT_EQ(bind(sock, reinterpret_cast<sockaddr *>(&address), sizeof address), 0) << strerror(errno);
-    }
-    ~listener() {
-        close(sock);
-        unlink(STEERING_SOCKET);
-    }
-    listener(const listener &) = delete;
-    listener &operator=(const listener &) = delete;
-
-    // Everything sent so far, a datagram an element, NULs included.
-    strings received() const {
-        strings datagrams;
-        std::string buffer(1 << 16, '\0');
-        for (ssize_t length; (length = recv(sock, buffer.data(), buffer.size(), MSG_DONTWAIT)) >= 0;)
-            datagrams.push_back(buffer.substr(0, static_cast<size_t>(length)));
-        return datagrams;
-    }
-
-    // Leaves no room in its queue.
-    void fill() const {
-        int filler = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-        sockaddr_un address = steering_address();
-        while (sendto(filler, "x", 1, MSG_DONTWAIT, reinterpret_cast<sockaddr *>(&address), sizeof address) == 1)
-            ;
-        EXPECT_EQ(errno, EAGAIN);
-        close(filler);
-    }
-
-    // Waits for one request, answers it, and returns it.
-    bytes answer(const bytes &reply) const {
-        pollfd readable = {sock, POLLIN, 0};
-        if (poll(&readable, 1, 10000) != 1)
-            return "(no request)";
-        char buffer[256];
-        sockaddr_un client = {};
-        socklen_t size = sizeof client;
-        ssize_t length = recvfrom(sock, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr *>(&client), &size);
-        sendto(sock, reply.data(), reply.size(), 0, reinterpret_cast<sockaddr *>(&client), size);
-        return bytes(buffer, length > 0 ? static_cast<size_t>(length) : 0);
-    }
-};
 
 bytes with_nul(const std::string &text) {
     return text + '\0';
@@ -155,7 +95,7 @@ const setting_row SETTINGS[] = {
 // clang-format on
 
 TEST_F(SoftBlock, EverySettingIsStoredAndGivenToTheDaemon) {
-    listener daemon;
+    steering_listener daemon;
     for (const setting_row &row : SETTINGS) {
         EXPECT_EQ(set_number(row.setter, 3, 1), 0);
         EXPECT_EQ(daemon.received(), strings{with_nul(row.message)});
@@ -167,7 +107,7 @@ TEST_F(SoftBlock, EverySettingIsStoredAndGivenToTheDaemon) {
 
 TEST_F(SoftBlock, EverySettingIsReadBackThroughTheFirstVap) {
     for (const setting_row &row : SETTINGS) {
-        listener daemon;
+        steering_listener daemon;
         EXPECT_EQ(set_number(row.setter, 1, 1), 0);
         EXPECT_EQ(get_number(row.getter, 1), (number_result{0, 1})) << row.key;
         EXPECT_EQ(set_number(row.setter, 1, 0), 0);
@@ -186,7 +126,7 @@ TEST_F(SoftBlock, WithoutADaemonEverySettingIsStoredAndComplainedOf) {
 }
 
 TEST_F(SoftBlock, ADeltaIsStoredAndTheDaemonNotTold) {
-    listener daemon;
+    steering_listener daemon;
     EXPECT_EQ(set_number(PROC_wlan_set_bss_client_rssi_threshold_delta, 3, 5), 0);
     EXPECT_EQ(store_value("AP_BSS_STA_RSSI_THR_D_3"), "5");
     EXPECT_EQ(get_number(PROC_wlan_get_bss_client_rssi_threshold_delta, 3), (number_result{0, 5}));
@@ -195,7 +135,7 @@ TEST_F(SoftBlock, ADeltaIsStoredAndTheDaemonNotTold) {
 }
 
 TEST_F(SoftBlock, AnRssiFloorIsNegativeAndOfOneVap) {
-    listener daemon;
+    steering_listener daemon;
     EXPECT_EQ(set_number(PROC_wlan_set_bss_client_rssi_threshold, 3, static_cast<uint32_t>(-70)), 0);
     EXPECT_EQ(store_value("AP_BSS_STA_RSSI_THR_3"), "-70");
     EXPECT_EQ(daemon.received(), strings{with_nul("setRSSI:-70@2")});
@@ -205,7 +145,7 @@ TEST_F(SoftBlock, AnRssiFloorIsNegativeAndOfOneVap) {
 
 // They are unsigned on the wire, the texts are "%d".
 TEST_F(SoftBlock, LargeMasksAreStoredAndSentAsNegativeNumbersAndReadBackAsTheyWere) {
-    listener daemon;
+    steering_listener daemon;
     EXPECT_EQ(set_number(PROC_wlan_set_softblock_selector_mask, 1, 0x80000000u), 0);
     EXPECT_EQ(set_number(PROC_wlan_set_softblock_black_list_selector_mask, 1, 0xffffffffu), 0);
     EXPECT_EQ(store_value("SOFT_BLOCK_SELECTOR"), "-2147483648");
@@ -216,7 +156,7 @@ TEST_F(SoftBlock, LargeMasksAreStoredAndSentAsNegativeNumbersAndReadBackAsTheyWe
 }
 
 TEST_F(SoftBlock, SettingsOfTheDeviceAreTakenForEveryIndex) {
-    listener daemon;
+    steering_listener daemon;
     for (int index : {INT_MIN, -1, 0, 17}) {
         EXPECT_EQ(set_number(PROC_wlan_set_softblock_waiting_time, index, 30), 0);
         EXPECT_EQ(get_number(PROC_wlan_get_softblock_waiting_time, index), (number_result{0, 30}));
@@ -227,7 +167,7 @@ TEST_F(SoftBlock, SettingsOfTheDeviceAreTakenForEveryIndex) {
 TEST_F(SoftBlock, SettingsOfAVapRefuseANegativeIndex) {
     set_store({"SOFT_BLOCK_AUTH_RESP_ST_C=1", "SOFT_BLOCK_IGNORE_PR_T=1", "AP_BSS_STA_RSSI_THR=1",
                "AP_BSS_STA_RSSI_THR_D=1"});
-    listener daemon;
+    steering_listener daemon;
     for (uint32_t setter : {PROC_wlan_set_softblock_auth_response_st_code, PROC_wlan_set_softblock_ignore_probereq_type,
                             PROC_wlan_set_bss_client_rssi_threshold, PROC_wlan_set_bss_client_rssi_threshold_delta})
         EXPECT_EQ(set_number(setter, -1, 5), -1);
@@ -248,14 +188,14 @@ TEST_F(SoftBlock, WhatIsNotStoredIsZeroForTheDeviceAndAFailureForAVap) {
 
 // The setter writes the bare key, the getter reads the VAP's.
 TEST_F(SoftBlock, AStatusCodeSetForAVapIsNotWhatReadingTheVapGives) {
-    listener daemon;
+    steering_listener daemon;
     EXPECT_EQ(set_number(PROC_wlan_set_softblock_auth_response_st_code, 3, 17), 0);
     EXPECT_EQ(get_number(PROC_wlan_get_softblock_auth_response_st_code, 3), (number_result{-1, 0}));
     EXPECT_EQ(get_number(PROC_wlan_get_softblock_auth_response_st_code, 1), (number_result{0, 17}));
 }
 
 TEST_F(SoftBlock, ADaemonThatDoesNotReadHoldsTheServerForTwoSecondsAtMost) {
-    listener daemon;
+    steering_listener daemon;
     daemon.fill();
     auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(set_number(PROC_wlan_set_softblock_allow_timer, 1, 40), 0);
@@ -278,7 +218,7 @@ const mac_row MAC_OPERATIONS[] = {
 };
 
 TEST_F(SoftBlock, AMacGoesToTheDaemonCutTo24Characters) {
-    listener daemon;
+    steering_listener daemon;
     for (const mac_row &row : MAC_OPERATIONS) {
         for (const std::string &mac : {std::string("02:00:00:00:00:aF"), std::string("123456789012345678901234"),
                                        std::string("1234567890123456789012345"), std::string(8000, 'm'),
@@ -299,7 +239,7 @@ TEST_F(SoftBlock, WithoutADaemonAMacFails) {
 }
 
 TEST_F(SoftBlock, ClearingGoesToTheDaemonWhichKeepsItsFile) {
-    listener daemon;
+    steering_listener daemon;
     write_file(BLACK_LIST, "stations");
     EXPECT_EQ(set_number(PROC_wlan_set_softblock_black_list_clear, 1, static_cast<uint32_t>(INT_MIN)), 0);
     EXPECT_EQ(daemon.received(), strings{with_nul("clearL:-2147483648")});
@@ -328,7 +268,7 @@ bytes list_image(int total) {
 }
 
 // The call, and meanwhile the daemon's answer to it.
-decoded_result get_list_answered_with(const listener &daemon, const bytes &answer) {
+decoded_result get_list_answered_with(const steering_listener &daemon, const bytes &answer) {
     bytes request;
     std::thread daemon_thread([&] { request = daemon.answer(answer); });
     decoded_result result = result_of(call(PROC_wlan_get_softblock_black_list, vap(1)));
@@ -339,7 +279,7 @@ decoded_result get_list_answered_with(const listener &daemon, const bytes &answe
 }
 
 TEST_F(SoftBlock, TheListIsTheDaemonsToTheByte) {
-    listener daemon;
+    steering_listener daemon;
     decoded_result result = get_list_answered_with(daemon, list_image(64));
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.data.size(), 776u);
@@ -349,14 +289,14 @@ TEST_F(SoftBlock, TheListIsTheDaemonsToTheByte) {
 }
 
 TEST_F(SoftBlock, AShortListEndsWithZerosAndALongOneIsCut) {
-    listener daemon;
+    steering_listener daemon;
     EXPECT_EQ(get_list_answered_with(daemon, list_image(1).substr(0, 20)).data,
               list_image(1).substr(0, 20) + bytes(756, '\0'));
     EXPECT_EQ(get_list_answered_with(daemon, list_image(64) + bytes(1000, 'x')).data, list_image(64));
 }
 
 TEST_F(SoftBlock, AnyCountOfStationsIsPassedOn) {
-    listener daemon;
+    steering_listener daemon;
     set_debug(true);
     for (int total : {-1, 65, INT_MAX})
         EXPECT_EQ(get_list_answered_with(daemon, list_image(total)).data, list_image(total));
@@ -364,7 +304,7 @@ TEST_F(SoftBlock, AnyCountOfStationsIsPassedOn) {
 }
 
 TEST_F(SoftBlock, TheListIsPrintedWhileDebugging) {
-    listener daemon;
+    steering_listener daemon;
     set_debug(true);
     get_list_answered_with(daemon, list_image(2));
     strings lines = lines_with({"station list", "FFFFFF", "timestampe:", "-----"});
@@ -389,7 +329,7 @@ TEST_F(SoftBlock, WithoutADaemonTheListIsZerosAndASuccess) {
 }
 
 TEST_F(SoftBlock, ADaemonThatDoesNotAnswerMakesTheListZerosAfterTwoSeconds) {
-    listener daemon;
+    steering_listener daemon;
     auto begin = std::chrono::steady_clock::now();
     decoded_result result = result_of(call(PROC_wlan_get_softblock_black_list, vap(1)));
     auto time = std::chrono::steady_clock::now() - begin;

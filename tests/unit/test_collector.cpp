@@ -326,15 +326,7 @@ TEST_F(Collector, AnAnswerOfZerosReadsAsMinusOneBeforeTheFirstRealOne) {
 // The commands of a block in order, exactly as they are handed to the shell. The tools' own prints are not looked at.
 template <typename Block>
 calls executed(Block block) {
-    const std::string mark = "[VLK-API] wlan_setRadStatEnable_1 executing ";
-    std::string lines = debug_lines(block);
-    set_debug(false);
-    calls commands;
-    for (size_t at = 0; (at = lines.find(mark, at)) != std::string::npos;) {
-        at += mark.size();
-        commands.push_back(lines.substr(at, lines.find('\n', at) - at));
-    }
-    return commands;
+    return printed_behind("[VLK-API] wlan_setRadStatEnable_1 executing ", block);
 }
 
 // What is recorded once so many calls are: a collector is started in the background.

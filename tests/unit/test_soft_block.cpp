@@ -25,6 +25,7 @@
 #include "survey/control_channel.h"
 #include "tests/support/outputs.h"
 #include "tests/support/platform.h"
+#include "tests/support/steering_listener.h"
 
 namespace {
 
@@ -33,62 +34,13 @@ using texts = std::vector<std::string>;
 const char BLACK_LIST[] = "/nvram/blackList.dat";
 const char OWN_PREFIX[] = "/tmp/ssidsteering_";
 
-sockaddr_un address_of(const std::string &path) {
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    strncpy(address.sun_path, path.c_str(), sizeof(address.sun_path) - 1);
-    return address;
-}
-
-// --- daemons ---
-
-// A daemon as far as its socket goes: what it is sent stays in its queue until somebody looks.
-struct listener {
-    int sock;
-
-    listener() : sock(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-        unlink(STEERING_SOCKET);
-        sockaddr_un address = address_of(STEERING_SOCKET);
-        EXPECT_EQ(bind(sock, reinterpret_cast<sockaddr *>(&address), sizeof(address)), 0) << strerror(errno);
-    }
-    ~listener() {
-        close(sock);
-        unlink(STEERING_SOCKET);
-    }
-    listener(const listener &) = delete;
-    listener &operator=(const listener &) = delete;
-
-    // Everything sent so far, a datagram an element, NULs included.
-    texts received() const {
-        texts datagrams;
-        std::string buffer(1 << 16, '\0');
-        for (ssize_t length; (length = recv(sock, buffer.data(), buffer.size(), MSG_DONTWAIT)) >= 0;) {
-            datagrams.push_back(buffer.substr(0, static_cast<size_t>(length)));
-        }
-        return datagrams;
-    }
-
-    // Leaves no room in its queue.
-    void fill() const {
-        int filler = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-        sockaddr_un address = address_of(STEERING_SOCKET);
-        int count = 0;
-        while (sendto(filler, "x", 1, MSG_DONTWAIT, reinterpret_cast<sockaddr *>(&address), sizeof(address)) == 1) {
-            count++;
-        }
-        EXPECT_EQ(errno, EAGAIN);
-        EXPECT_GT(count, 0);
-        close(filler);
-    }
-};
-
 // A daemon that answers one request.
-struct answerer : listener {
+struct answerer : steering_listener {
     std::string request;
     std::string sender;
     std::thread thread;
 
-    explicit answerer(const std::string &answer) : thread([this, answer] { serve(answer); }) {}
+    explicit answerer(const std::string &reply) : thread([this, reply] { request = answer(reply, &sender); }) {}
     ~answerer() {
         finish();
     }
@@ -97,21 +49,6 @@ struct answerer : listener {
         if (thread.joinable()) {
             thread.join();
         }
-    }
-
-private:
-    void serve(const std::string &answer) {
-        pollfd readable = {sock, POLLIN, 0};
-        if (poll(&readable, 1, 10000) != 1) {
-            return;
-        }
-        char buffer[256];
-        sockaddr_un client = {};
-        socklen_t size = sizeof(client);
-        ssize_t length = recvfrom(sock, buffer, sizeof(buffer), 0, reinterpret_cast<sockaddr *>(&client), &size);
-        request.assign(buffer, length > 0 ? static_cast<size_t>(length) : 0);
-        sender = client.sun_path;
-        sendto(sock, answer.data(), answer.size(), 0, reinterpret_cast<sockaddr *>(&client), size);
     }
 };
 
@@ -232,7 +169,7 @@ TEST_F(SoftBlock, EverySetterWritesItsKeyAndSendsItsMessage) {
     for (const tunable_row &row : TUNABLES) {
         reset_platform();
         install_tool("cfg");
-        listener daemon;
+        steering_listener daemon;
         EXPECT_EQ(row.set(3, 17), 0) << row.setter;
         EXPECT_EQ(tool_calls(), calls{"cfg -a " + written_key(row, 3) + "=17"}) << row.setter;
         EXPECT_EQ(daemon.received(), row.message ? texts{with_nul(row.message)} : texts{}) << row.setter;
@@ -244,7 +181,7 @@ TEST_F(SoftBlock, EverySetterTakesEveryIndexThatItDoesNotRefuse) {
         for (int index : taken_indices(row)) {
             reset_platform();
             install_tool("cfg");
-            listener daemon;
+            steering_listener daemon;
             EXPECT_EQ(row.set(index, 5), 0) << row.setter << " index " << index;
             EXPECT_EQ(tool_calls(), calls{"cfg -a " + written_key(row, index) + "=5"}) << row.setter;
             EXPECT_EQ(daemon.received(), row.message ? texts{message_of(row, index, 5)} : texts{})
@@ -258,7 +195,7 @@ TEST_F(SoftBlock, EverySetterTakesEveryNumber) {
         for (int value : {INT_MIN, -70, -1, 0, INT_MAX}) {
             reset_platform();
             install_tool("cfg");
-            listener daemon;
+            steering_listener daemon;
             EXPECT_EQ(row.set(2, value), 0) << row.setter;
             EXPECT_EQ(tool_calls(), calls{"cfg -a " + written_key(row, 2) + "=" + std::to_string(value)}) << row.setter;
             EXPECT_EQ(daemon.received(), row.message ? texts{message_of(row, 2, value)} : texts{}) << row.setter;
@@ -267,13 +204,13 @@ TEST_F(SoftBlock, EverySetterTakesEveryNumber) {
 }
 
 TEST_F(SoftBlock, TheLongestMessageOfATunableIsWhole) {
-    listener daemon;
+    steering_listener daemon;
     EXPECT_EQ(wlan_setBSSClientRSSIThreshold(INT_MAX, INT_MIN), 0);
     EXPECT_EQ(daemon.received(), texts{with_nul("setRSSI:-2147483648@2147483646")});
 }
 
 TEST_F(SoftBlock, AnRssiFloorGoesOutWithTheNumberOfItsInterface) {
-    listener daemon;
+    steering_listener daemon;
     EXPECT_EQ(wlan_setBSSClientRSSIThreshold(3, -70), 0);
     EXPECT_EQ(wlan_setBSSClientRSSIThreshold(0, -70), 0);
     EXPECT_EQ(tool_calls(), (calls{"cfg -a AP_BSS_STA_RSSI_THR_3=-70", "cfg -a AP_BSS_STA_RSSI_THR=-70"}));
@@ -282,7 +219,7 @@ TEST_F(SoftBlock, AnRssiFloorGoesOutWithTheNumberOfItsInterface) {
 
 // They are unsigned on the wire, the texts are "%d".
 TEST_F(SoftBlock, MasksWithTheirHighestBitAreStoredAndSentAsNegativeNumbers) {
-    listener daemon;
+    steering_listener daemon;
     EXPECT_EQ(wlan_setSBBLSelMask(1, 0x80000000U), 0);
     EXPECT_EQ(wlan_setSBSelMask(1, 0xffffffffU), 0);
     EXPECT_EQ(tool_calls(),
@@ -305,7 +242,7 @@ TEST_F(SoftBlock, EverySetterStoresBeforeItSends) {
         if (!row.message) {
             continue;
         }
-        listener daemon;
+        steering_listener daemon;
         std::string tool = std::string(FAKE_TOOLS) + "/cfg";
         write_file(tool, std::string("#!/bin/sh\nrm -f ") + STEERING_SOCKET + "\n");
         ASSERT_EQ(chmod(tool.c_str(), 0755), 0);
@@ -317,7 +254,7 @@ TEST_F(SoftBlock, EverySetterStoresBeforeItSends) {
 TEST_F(SoftBlock, EverySetterSendsAlsoWhenTheToolIsMissing) {
     for (const tunable_row &row : TUNABLES) {
         reset_platform();
-        listener daemon;
+        steering_listener daemon;
         capture([&] { EXPECT_EQ(row.set(3, 17), 0) << row.setter; });
         EXPECT_EQ(daemon.received(), row.message ? texts{with_nul(row.message)} : texts{}) << row.setter;
     }
@@ -337,7 +274,7 @@ TEST_F(SoftBlock, WithoutADaemonEverySetterStoresComplainsAndSucceeds) {
 
 TEST_F(SoftBlock, ADaemonThatEndedAndLeftItsSocketIsNone) {
     int sock = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    sockaddr_un address = address_of(STEERING_SOCKET);
+    sockaddr_un address = steering_address();
     ASSERT_EQ(bind(sock, reinterpret_cast<sockaddr *>(&address), sizeof(address)), 0);
     close(sock);
     EXPECT_EQ(capture([] { EXPECT_EQ(wlan_setSBEnable(1, 1), 0); }).err,
@@ -345,7 +282,7 @@ TEST_F(SoftBlock, ADaemonThatEndedAndLeftItsSocketIsNone) {
 }
 
 TEST_F(SoftBlock, WithoutDescriptorsASetterComplainsAndSucceeds) {
-    listener daemon;
+    steering_listener daemon;
     begin_capture();
     begin_descriptor_shortage();
     int status = wlan_setSBWaitingTime(1, 30);
@@ -359,7 +296,7 @@ TEST_F(SoftBlock, WithoutDescriptorsASetterComplainsAndSucceeds) {
 }
 
 TEST_F(SoftBlock, ADaemonThatDoesNotReadHoldsASetterForTwoSeconds) {
-    listener daemon;
+    steering_listener daemon;
     daemon.fill();
     double seconds = 0;
     printed_text printed = capture([&] { seconds = seconds_of([] { EXPECT_EQ(wlan_setSBSelMask(1, 6), 0); }); });
@@ -369,7 +306,7 @@ TEST_F(SoftBlock, ADaemonThatDoesNotReadHoldsASetterForTwoSeconds) {
 }
 
 TEST_F(SoftBlock, ANegativeIndexIsRefusedBeforeAnythingIsDone) {
-    listener daemon;
+    steering_listener daemon;
     for (const tunable_row &row : TUNABLES) {
         if (!row.checks_index) {
             continue;
@@ -431,7 +368,7 @@ TEST_F(SoftBlock, WithoutAStoreEveryTunableIsAbsent) {
 
 // Whoever set it for VAP 3 wrote the bare key.
 TEST_F(SoftBlock, WhatWasSetForAVapIsNotWhatReadingTheVapGives) {
-    listener daemon;
+    steering_listener daemon;
     EXPECT_EQ(wlan_setSBAuthRespStCode(3, 17), 0);
     EXPECT_EQ(wlan_setSBIgnoreProbeReqType(3, 18), 0);
     ASSERT_EQ(tool_calls(), (calls{"cfg -a SOFT_BLOCK_AUTH_RESP_ST_C=17", "cfg -a SOFT_BLOCK_IGNORE_PR_T=18"}));
@@ -462,7 +399,7 @@ TEST_F(SoftBlock, EveryTunableIsReadAsANumber) {
 }
 
 TEST_F(SoftBlock, NothingIsPrintedWithoutTheDebugSwitchWhenTheDaemonIsThere) {
-    listener daemon;
+    steering_listener daemon;
     for (const tunable_row &row : TUNABLES) {
         write_store({std::string(row.key) + "=77"});
         printed_text printed = capture([&] {
@@ -479,7 +416,7 @@ std::string twice(const char *name) {
 }
 
 TEST_F(SoftBlock, EverySetterLogsItsEntryAndThenWhatTheStoreDoes) {
-    listener daemon;
+    steering_listener daemon;
     for (const tunable_row &row : TUNABLES) {
         std::string command = "cfg -a " + written_key(row, 3) + "=\"17\"";
         std::string shown_index = row.writes_own_key ? "2" : "-1";
@@ -535,7 +472,7 @@ TEST_F(SoftBlock, ARefusedIndexLogsTheEntryAlone) {
 // --- any message ---
 
 TEST_F(SoftBlock, AMessageIsOneDatagramWithItsNul) {
-    listener daemon;
+    steering_listener daemon;
     for (const std::string &text : {std::string("restart"), std::string(), std::string(8192, 'm')}) {
         EXPECT_EQ(sendDataToSBCtrl(text.c_str()), 0);
         EXPECT_EQ(daemon.received(), texts{with_nul(text)});
@@ -543,7 +480,7 @@ TEST_F(SoftBlock, AMessageIsOneDatagramWithItsNul) {
 }
 
 TEST_F(SoftBlock, ANullMessageIsRefused) {
-    listener daemon;
+    steering_listener daemon;
     EXPECT_EQ(capture([] { EXPECT_EQ(sendDataToSBCtrl(nullptr), -1); }).err,
               "[VLK-API] Error sendDataToSBCtrl NULL data\n");
     EXPECT_EQ(daemon.received(), texts{});
@@ -555,7 +492,7 @@ TEST_F(SoftBlock, WithoutADaemonAMessageFailsWithALine) {
 
 // More than a socket's buffer holds.
 TEST_F(SoftBlock, AMessageThatCannotBeSentFailsWithoutALine) {
-    listener daemon;
+    steering_listener daemon;
     std::string huge(8 << 20, 'm');
     printed_text printed = capture([&] { EXPECT_EQ(sendDataToSBCtrl(huge.c_str()), -1); });
     EXPECT_EQ(printed.out + printed.err, "");
@@ -575,7 +512,7 @@ TEST_F(SoftBlock, AMessageComesFromAnAddressWithTheProcessIdThatIsGoneAfterwards
 }
 
 TEST_F(SoftBlock, AMessageLeavesNothingOpen) {
-    listener daemon;
+    steering_listener daemon;
     int before = dup(STDIN_FILENO);
     close(before);
     EXPECT_EQ(sendDataToSBCtrl("restart"), 0);
@@ -599,7 +536,7 @@ const mac_row MAC_OPERATIONS[] = {
 
 TEST_F(SoftBlock, AMacGoesToTheDaemonAndIsNotStored) {
     for (const mac_row &row : MAC_OPERATIONS) {
-        listener daemon;
+        steering_listener daemon;
         EXPECT_EQ(row.tell(1, "02:00:00:00:00:aF"), 0) << row.name;
         EXPECT_EQ(daemon.received(), texts{with_nul(std::string(row.beginning) + "02:00:00:00:00:aF")});
     }
@@ -609,7 +546,7 @@ TEST_F(SoftBlock, AMacGoesToTheDaemonAndIsNotStored) {
 TEST_F(SoftBlock, AMacIsTakenForEveryIndex) {
     for (const mac_row &row : MAC_OPERATIONS) {
         for (int index : {INT_MIN, -1, 0, 16, 17, INT_MAX}) {
-            listener daemon;
+            steering_listener daemon;
             EXPECT_EQ(row.tell(index, "m"), 0) << row.name << " index " << index;
             EXPECT_EQ(daemon.received(), texts{with_nul(std::string(row.beginning) + "m")});
         }
@@ -622,7 +559,7 @@ TEST_F(SoftBlock, AMacIsCutTo24Characters) {
         for (const std::string &mac :
              {digits.substr(0, 23), digits.substr(0, 24), digits.substr(0, 25), digits, std::string(8192, 'm'),
               std::string(24, '\xff'), std::string("%s%n"), std::string()}) {
-            listener daemon;
+            steering_listener daemon;
             EXPECT_EQ(row.tell(1, mac.c_str()), 0) << row.name;
             EXPECT_EQ(daemon.received(), texts{with_nul(row.beginning + mac.substr(0, 24))}) << mac.size();
         }
@@ -638,7 +575,7 @@ TEST_F(SoftBlock, WithoutADaemonAMacFailsWithoutALineOfItsOwn) {
 }
 
 TEST_F(SoftBlock, AMacIsLogged) {
-    listener daemon;
+    steering_listener daemon;
     for (const mac_row &row : MAC_OPERATIONS) {
         EXPECT_EQ(debug_lines([&] { row.tell(1, "m"); }), twice(row.name) + row.name + " entered\n");
     }
@@ -646,7 +583,7 @@ TEST_F(SoftBlock, AMacIsLogged) {
 
 TEST_F(SoftBlock, ClearingGoesToTheDaemonWhichKeepsTheFile) {
     for (int which : {INT_MIN, -1, 0, 1, INT_MAX}) {
-        listener daemon;
+        steering_listener daemon;
         write_file(BLACK_LIST, "stations");
         printed_text printed = capture([&] { EXPECT_EQ(wlan_setSBBlackListClear(1, which), 0); });
         EXPECT_EQ(daemon.received(), texts{with_nul("clearL:" + std::to_string(which))});
@@ -658,7 +595,7 @@ TEST_F(SoftBlock, ClearingGoesToTheDaemonWhichKeepsTheFile) {
 
 TEST_F(SoftBlock, ClearingIsTakenForEveryIndex) {
     for (int index : {INT_MIN, -1, 0, 16, 17, INT_MAX}) {
-        listener daemon;
+        steering_listener daemon;
         EXPECT_EQ(wlan_setSBBlackListClear(index, 2), 0) << "index " << index;
         EXPECT_EQ(daemon.received(), texts{with_nul("clearL:2")});
     }
@@ -677,7 +614,7 @@ TEST_F(SoftBlock, ClearingWithoutADaemonDeletesTheFileAndSucceeds) {
 }
 
 TEST_F(SoftBlock, ClearingIsLoggedUnderAShorterName) {
-    listener daemon;
+    steering_listener daemon;
     EXPECT_EQ(debug_lines([] { wlan_setSBBlackListClear(1, 1); }),
               "[VLK-API] wlan_setSBBlackListClear wlan_setSBBlackListClear: wlan_setBlackListClear entered\n");
 }
@@ -779,7 +716,7 @@ TEST_F(SoftBlock, WithoutADaemonTheListStaysAsItWas) {
 }
 
 TEST_F(SoftBlock, ADaemonThatDoesNotAnswerLeavesTheListAsItWasAfterTwoSeconds) {
-    listener daemon;
+    steering_listener daemon;
     read_list list;
     double seconds = 0;
     printed_text printed = capture([&] { seconds = seconds_of([&] { EXPECT_EQ(list.from(1), 0); }); });
@@ -976,7 +913,7 @@ TEST_F(SoftBlockDaemon, HoldsNothingThatTheServerHasOpen) {
     auto files = files_of_daemon();
     EXPECT_GE(files.size(), 3u);
     end_daemon();
-    listener busy;
+    steering_listener busy;
     rad_ctrl_conn *connection = rad_ctrl_open(STEERING_SOCKET, RAD_CTRL_STEERING);
     ASSERT_NE(connection, nullptr);
     int lock = lock_store();
@@ -989,7 +926,7 @@ TEST_F(SoftBlockDaemon, HoldsNothingThatTheServerHasOpen) {
 
 TEST_F(SoftBlockDaemon, IsToldThatTheWifiWasRestarted) {
     install_tool("softblock");
-    listener daemon;
+    steering_listener daemon;
     printed_text printed = capture([] { EXPECT_EQ(notifyWiFiRestartToSBCtrl(), 0); });
     EXPECT_EQ(daemon.received(), texts{with_nul("restart")});
     EXPECT_EQ(printed.out + printed.err, "");
@@ -1010,7 +947,7 @@ TEST_F(SoftBlockDaemon, IsStartedAnewWhenItCannotBeTold) {
 
 TEST_F(SoftBlockDaemon, IsStartedAnewWhenItDoesNotReadForTwoSeconds) {
     install_tool("softblock");
-    listener daemon;
+    steering_listener daemon;
     daemon.fill();
     double seconds = 0;
     printed_text printed = capture([&] { seconds = seconds_of([] { EXPECT_EQ(notifyWiFiRestartToSBCtrl(), 0); }); });
