@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 #include "simulator/paths.h"
 #include "simulator/store.h"
 

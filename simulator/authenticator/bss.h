@@ -5,7 +5,7 @@
 #pragma once
 
 #include "simulator/authenticator/exchange.h"
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 
 // The longest answer: an SSID, a few names and addresses, and the words around them, several times over.
 constexpr size_t BSS_ANSWER_SIZE = 1024;

@@ -9,7 +9,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "simulator/daemon.h"
+#include "simulator/daemons/daemon.h"
 #include "simulator/paths.h"
 
 // How long the client waits for an answer.

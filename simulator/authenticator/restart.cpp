@@ -7,8 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "simulator/daemons/processes.h"
 #include "simulator/paths.h"
-#include "simulator/processes.h"
 #include "simulator/store.h"
 #include "simulator/wps_files.h"
 

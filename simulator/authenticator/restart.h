@@ -4,7 +4,7 @@
 // apup and fast_down.sh, and by the launcher for a gateway whose driver is up from the beginning.
 #pragma once
 
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 
 // Ends every process called hostapd and waits until it is gone, by force when it takes long.
 void authenticator_end(void);

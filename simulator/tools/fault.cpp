@@ -6,11 +6,11 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "simulator/daemons/processes.h"
+#include "simulator/daemons/requests.h"
 #include "simulator/faults.h"
 #include "simulator/internal_address.h"
 #include "simulator/paths.h"
-#include "simulator/processes.h"
-#include "simulator/requests.h"
 #include "simulator/tools/tools.h"
 
 // What a fault of this name may be set to.

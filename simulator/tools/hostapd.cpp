@@ -14,7 +14,7 @@
 
 #include "simulator/authenticator/bss.h"
 #include "simulator/authenticator/control.h"
-#include "simulator/daemon.h"
+#include "simulator/daemons/daemon.h"
 #include "simulator/paths.h"
 #include "simulator/tools/tools.h"
 

@@ -6,7 +6,7 @@
 #include <string.h>
 #include <time.h>
 
-#include "simulator/driver_life.h"
+#include "simulator/driver/driver_life.h"
 #include "simulator/paths.h"
 #include "simulator/scenario_reader.h"
 #include "simulator/tools/driver_time.h"

@@ -3,7 +3,7 @@
 // Touches scenario, store and driver state: to read them, and the last to move a radio. One thread, that of the tool.
 #pragma once
 
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 
 struct interface {
     const char *name;

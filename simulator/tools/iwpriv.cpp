@@ -8,8 +8,8 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "simulator/driver_parameters.h"
-#include "simulator/mac_filter.h"
+#include "simulator/driver/driver_parameters.h"
+#include "simulator/driver/mac_filter.h"
 #include "simulator/tools/interface.h"
 #include "simulator/tools/tools.h"
 

@@ -4,13 +4,13 @@
 #include <string.h>
 #include <unistd.h>
 
-#include "simulator/collector/measurement.h"
+#include "simulator/daemons/black_list.h"
+#include "simulator/daemons/measurement.h"
+#include "simulator/daemons/processes.h"
+#include "simulator/daemons/requests.h"
 #include "simulator/faults.h"
 #include "simulator/journal.h"
 #include "simulator/paths.h"
-#include "simulator/processes.h"
-#include "simulator/requests.h"
-#include "simulator/soft_block/black_list.h"
 #include "simulator/tools/driver_time.h"
 #include "simulator/tools/tools.h"
 

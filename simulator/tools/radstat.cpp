@@ -10,10 +10,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "simulator/collector/measurement.h"
-#include "simulator/daemon.h"
+#include "simulator/daemons/daemon.h"
+#include "simulator/daemons/measurement.h"
+#include "simulator/daemons/requests.h"
 #include "simulator/paths.h"
-#include "simulator/requests.h"
 #include "simulator/tools/tools.h"
 
 struct radstat {

@@ -11,8 +11,8 @@
 #include <unistd.h>
 
 #include "simulator/authenticator/restart.h"
-#include "simulator/capable_table.h"
-#include "simulator/driver_life.h"
+#include "simulator/driver/capable_table.h"
+#include "simulator/driver/driver_life.h"
 #include "simulator/internal_address.h"
 #include "simulator/paths.h"
 #include "simulator/store.h"

@@ -8,10 +8,10 @@
 #include <time.h>
 #include <unistd.h>
 
-#include "simulator/daemon.h"
+#include "simulator/daemons/daemon.h"
+#include "simulator/daemons/requests.h"
+#include "simulator/daemons/soft_block.h"
 #include "simulator/paths.h"
-#include "simulator/requests.h"
-#include "simulator/soft_block/soft_block.h"
 #include "simulator/tools/tools.h"
 
 struct softblock {

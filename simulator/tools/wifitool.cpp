@@ -4,8 +4,8 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "simulator/driver_parameters.h"
-#include "simulator/steering_tables.h"
+#include "simulator/driver/driver_parameters.h"
+#include "simulator/driver/steering_tables.h"
 #include "simulator/tools/interface.h"
 #include "simulator/tools/tools.h"
 

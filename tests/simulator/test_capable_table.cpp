@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "simulator/capable_table.h"
+#include "simulator/driver/capable_table.h"
 #include "tests/simulator/platform.h"
 
 namespace {

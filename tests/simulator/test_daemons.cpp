@@ -9,8 +9,8 @@
 
 #include <string>
 
-#include "simulator/processes.h"
-#include "simulator/requests.h"
+#include "simulator/daemons/processes.h"
+#include "simulator/daemons/requests.h"
 #include "tests/simulator/daemons.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <string>
 
-#include "simulator/collector/measurement.h"
+#include "simulator/daemons/measurement.h"
 #include "tests/simulator/daemons.h"
 
 namespace {

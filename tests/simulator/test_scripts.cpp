@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <string>
 
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 #include "simulator/store.h"
 #include "tests/simulator/platform.h"
 

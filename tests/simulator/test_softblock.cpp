@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "simulator/soft_block/soft_block.h"
+#include "simulator/daemons/soft_block.h"
 #include "tests/simulator/daemons.h"
 
 namespace {

@@ -8,7 +8,7 @@
 
 #include <stdint.h>
 
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 
 constexpr int CAPABLE_SLOTS = VAPS_PER_RADIO;
 constexpr int CAPABLE_ENTRIES = 191;  // as many as fit

@@ -18,16 +18,16 @@
 
 #include "simulator/authenticator/restart.h"
 #include "simulator/board.h"
-#include "simulator/capable_table.h"
-#include "simulator/driver_life.h"
+#include "simulator/driver/capable_table.h"
+#include "simulator/driver/driver_life.h"
 #include "simulator/factory_defaults.h"
 #include "simulator/initial_store.h"
 #include "simulator/internal_address.h"
-#include "simulator/namespaces.h"
+#include "simulator/launcher/namespaces.h"
+#include "simulator/launcher/private_root.h"
+#include "simulator/launcher/services.h"
 #include "simulator/paths.h"
-#include "simulator/private_root.h"
 #include "simulator/scenario.h"
-#include "simulator/services.h"
 #include "simulator/wps_files.h"
 
 struct options {

@@ -1,4 +1,4 @@
-#include "simulator/soft_block/soft_block.h"
+#include "simulator/daemons/soft_block.h"
 
 #include <errno.h>
 #include <stdio.h>

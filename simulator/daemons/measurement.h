@@ -5,7 +5,7 @@
 
 #include <stdint.h>
 
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 
 // The RSSI table counts the radio's associated stations: entry i those with 2i or 2i+1 dB over the noise, the first
 // also those below and the last also those above.

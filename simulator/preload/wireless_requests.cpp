@@ -4,8 +4,8 @@
 #include <string.h>
 #include <sys/socket.h>
 
-#include "simulator/driver/requests.h"
 #include "simulator/paths.h"
+#include "simulator/preload/requests.h"
 #include "simulator/scenario.h"
 #include "simulator/store.h"
 

@@ -1,4 +1,4 @@
-#include "simulator/capable_table.h"
+#include "simulator/driver/capable_table.h"
 
 #include <errno.h>
 #include <fcntl.h>

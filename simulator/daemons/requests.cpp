@@ -1,4 +1,4 @@
-#include "simulator/requests.h"
+#include "simulator/daemons/requests.h"
 
 #include <ctype.h>
 #include <errno.h>
@@ -6,8 +6,8 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "simulator/daemon.h"
-#include "simulator/driver_state.h"
+#include "simulator/daemons/daemon.h"
+#include "simulator/driver/driver_state.h"
 #include "simulator/faults.h"
 #include "simulator/journal.h"
 

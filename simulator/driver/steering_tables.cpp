@@ -1,10 +1,10 @@
-#include "simulator/steering_tables.h"
+#include "simulator/driver/steering_tables.h"
 
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
-#include "simulator/driver_parameters.h"
+#include "simulator/driver/driver_parameters.h"
 
 static void blacklist_key(const char *interface, char *key, size_t size) {
     snprintf(key, size, "%s.blacklist2g", interface);

@@ -16,11 +16,11 @@
 
 #include <linux/wireless.h>
 
-#include "simulator/driver/doors.h"
-#include "simulator/driver/requests.h"
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 #include "simulator/faults.h"
 #include "simulator/journal.h"
+#include "simulator/preload/doors.h"
+#include "simulator/preload/requests.h"
 
 using ioctl_function = int (*)(int, unsigned long, ...);
 

@@ -1,12 +1,12 @@
-#include "simulator/driver_life.h"
+#include "simulator/driver/driver_life.h"
 
 #include <errno.h>
 #include <stdlib.h>
 #include <unistd.h>
 
 #include "simulator/board.h"
-#include "simulator/driver_parameters.h"
-#include "simulator/driver_start.h"
+#include "simulator/driver/driver_parameters.h"
+#include "simulator/driver/driver_start.h"
 #include "simulator/store.h"
 
 // A change of the driver's state, and what it needs.

@@ -1,4 +1,4 @@
-#include "simulator/daemon.h"
+#include "simulator/daemons/daemon.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -13,7 +13,7 @@
 #include <time.h>
 #include <unistd.h>
 
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 
 // How long a daemon that was told to end may still hold its sockets: whoever restarts it does not wait for its end.
 // Far more than it needs, also on a busy machine.

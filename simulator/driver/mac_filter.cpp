@@ -1,11 +1,11 @@
-#include "simulator/mac_filter.h"
+#include "simulator/driver/mac_filter.h"
 
 #include <ctype.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
-#include "simulator/driver_parameters.h"
+#include "simulator/driver/driver_parameters.h"
 
 constexpr size_t MAC_LENGTH = MAC_TEXT_SIZE - 1;
 

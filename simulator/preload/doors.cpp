@@ -2,7 +2,7 @@
 //
 // Interposes popen(), system() and syslog(). What goes through the first two is written down and goes on; a line for
 // the system log is only written down, as nobody listens for it inside the gateway.
-#include "simulator/driver/doors.h"
+#include "simulator/preload/doors.h"
 
 #include <dlfcn.h>
 #include <errno.h>

@@ -1,4 +1,4 @@
-#include "simulator/collector/measurement.h"
+#include "simulator/daemons/measurement.h"
 
 #include <math.h>
 

@@ -1,4 +1,4 @@
-#include "simulator/processes.h"
+#include "simulator/daemons/processes.h"
 
 #include <ctype.h>
 #include <dirent.h>
@@ -8,7 +8,7 @@
 #include <string.h>
 #include <time.h>
 
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 
 // How long a daemon may take to end, far more than it needs, and the pause between two looks at it.
 constexpr double END_SECONDS = 1;

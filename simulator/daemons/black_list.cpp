@@ -1,4 +1,4 @@
-#include "simulator/soft_block/black_list.h"
+#include "simulator/daemons/black_list.h"
 
 #include <stdio.h>
 #include <stdlib.h>

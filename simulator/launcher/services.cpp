@@ -1,4 +1,4 @@
-#include "simulator/services.h"
+#include "simulator/launcher/services.h"
 
 #include <arpa/inet.h>
 #include <errno.h>
@@ -19,9 +19,9 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
+#include "simulator/launcher/private_root.h"
 #include "simulator/paths.h"
-#include "simulator/private_root.h"
 
 // How long a daemon may take until it answers: far more than it needs, also under a sanitizer on a busy machine.
 constexpr double START_SECONDS = 30;

@@ -4,8 +4,8 @@
 // stations is not simulated.
 #pragma once
 
+#include "simulator/daemons/black_list.h"
 #include "simulator/scenario.h"
-#include "simulator/soft_block/black_list.h"
 
 constexpr int SOFT_BLOCK_TUNABLES = 7;
 

@@ -10,10 +10,10 @@
 #include <string.h>
 #include <unistd.h>
 
-#include "simulator/driver/requests.h"
+#include "simulator/driver/steering_tables.h"
 #include "simulator/faults.h"
+#include "simulator/preload/requests.h"
 #include "simulator/scenario.h"
-#include "simulator/steering_tables.h"
 
 // Commands.
 constexpr uint8_t READ_BLACK_LIST = 87;

@@ -8,7 +8,7 @@
 
 #include <stddef.h>
 
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 #include "simulator/store.h"
 
 constexpr size_t PARAMETER_VALUE_SIZE = 16;  // a number of at most 11 characters, or the short text of a text

@@ -1,4 +1,4 @@
-#include "simulator/private_root.h"
+#include "simulator/launcher/private_root.h"
 
 #include <dirent.h>
 #include <errno.h>
@@ -12,7 +12,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include "simulator/namespaces.h"
+#include "simulator/launcher/namespaces.h"
 #include "simulator/paths.h"
 
 // Directories that the gateway has of its own; the host's never show through.

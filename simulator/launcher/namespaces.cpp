@@ -1,4 +1,4 @@
-#include "simulator/namespaces.h"
+#include "simulator/launcher/namespaces.h"
 
 #include <errno.h>
 #include <fcntl.h>

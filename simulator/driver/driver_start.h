@@ -4,7 +4,7 @@
 // Touches /run/gateway/parameters. Used by driver_life, whenever VAPs come up.
 #pragma once
 
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 
 // Forgets all values and takes over what the store says for the radios and for the VAPs that are up. The caller holds
 // the driver's lock. Returns 0, or -1 with errno.

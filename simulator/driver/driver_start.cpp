@@ -1,11 +1,11 @@
-#include "simulator/driver_start.h"
+#include "simulator/driver/driver_start.h"
 
 #include <stdio.h>
 
-#include "simulator/driver_parameters.h"
-#include "simulator/mac_filter.h"
+#include "simulator/driver/driver_parameters.h"
+#include "simulator/driver/mac_filter.h"
+#include "simulator/driver/steering_tables.h"
 #include "simulator/paths.h"
-#include "simulator/steering_tables.h"
 #include "simulator/store.h"
 
 static int load_all(const driver_state *state, const scenario *scene, const store_text *store, store_text *lines) {

@@ -6,7 +6,7 @@
 // not loaded, because somebody removed it in the meantime.
 #pragma once
 
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 
 // Loads the driver, which looks for its radios. One that is loaded stays as it is.
 int driver_insert(void);

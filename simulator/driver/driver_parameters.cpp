@@ -1,4 +1,4 @@
-#include "simulator/driver_parameters.h"
+#include "simulator/driver/driver_parameters.h"
 
 #include <errno.h>
 #include <stdio.h>

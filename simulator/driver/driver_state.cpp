@@ -1,4 +1,4 @@
-#include "simulator/driver_state.h"
+#include "simulator/driver/driver_state.h"
 
 #include <stdio.h>
 #include <string.h>
