@@ -69,6 +69,16 @@ static int32_t number_at(const collector_answer *answer, int offset) {
     return static_cast<int32_t>(le32toh(word));
 }
 
+// One number of an answer. False without one; the number is as it was then.
+static bool ask_for(int index, int offset, int *number) {
+    collector_answer answer;
+    if (!ask(index, &answer)) {
+        return false;
+    }
+    *number = number_at(&answer, offset);
+    return true;
+}
+
 int wlan_getChannelStatistics(int index, int *utilisation, int *activity, int *busy) {
     *utilisation = *activity = *busy = -1;
     collector_answer answer;
@@ -99,35 +109,28 @@ int wlan_getChannelNoiseFloor(int index, int *minimum, int *maximum, int *median
 }
 
 int wlan_getRadioTxPackets(int index, int64_t *packets) {
-    *packets = 0;
-    collector_answer answer;
-    if (!ask(index, &answer)) {
-        return 0;
+    int count = 0;
+    if (ask_for(index, TX_PACKETS, &count)) {
+        log_debug("[VLK-API] %s TxCount : %d\n", __func__, count);
     }
-    *packets = number_at(&answer, TX_PACKETS);
-    log_debug("[VLK-API] %s TxCount : %d\n", __func__, static_cast<int>(*packets));
+    *packets = count;
     return 0;
 }
 
 int wlan_getRadioRxPackets(int index, int64_t *packets) {
-    *packets = 0;
-    collector_answer answer;
-    if (!ask(index, &answer)) {
-        return 0;
+    int count = 0;
+    if (ask_for(index, RX_PACKETS, &count)) {
+        log_debug("[VLK-API] %s Rx Count : %d\n", __func__, count);
     }
-    *packets = number_at(&answer, RX_PACKETS);
-    log_debug("[VLK-API] %s Rx Count : %d\n", __func__, static_cast<int>(*packets));
+    *packets = count;
     return 0;
 }
 
 int wlan_getRetransmissionMetric(int index, int *percent) {
     *percent = -1;
-    collector_answer answer;
-    if (!ask(index, &answer)) {
-        return 0;
+    if (ask_for(index, RETRY_PERCENT, percent)) {
+        log_debug("[VLK-API] %s Retry percent : %d%%\n", __func__, *percent);
     }
-    *percent = number_at(&answer, RETRY_PERCENT);
-    log_debug("[VLK-API] %s Retry percent : %d%%\n", __func__, *percent);
     return 0;
 }
 
