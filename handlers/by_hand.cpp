@@ -47,6 +47,17 @@ bool_t wlan_ap_auto_channel_select_1_svc(int index, wlan_config_result_data_t *r
     return TRUE;
 }
 
+// The length in its last line has a blank behind it, unlike those of all other handlers: it is searched for like that.
+bool_t wlan_get_softblock_black_list_1_svc(int index, wlan_config_result_data_t *result, svc_req *) {
+    log_debug("[VLK-API] %s  WLAN RPC server : [index %d]\n", __func__, index);
+    wlan_sb_station_list_t list = {};
+    result->return_code = static_cast<wlan_config_return_code_e>(wlan_getSBBlackList(index, &list));
+    pack_image(result, &list, sizeof list);
+    log_debug("[VLK-API] %s  WLAN RPC server : result->return_data.return_data_len = %d \n", __func__,
+              static_cast<int>(result->return_data.return_data_len));
+    return TRUE;
+}
+
 // The wait threshold has no back end: it is accepted and never kept, and reading it gives a record without a value.
 bool_t wlan_set_advairtime_wait_threshold_1_svc(int index, int threshold, wlan_config_return_code_e *result,
                                                 svc_req *) {

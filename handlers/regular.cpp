@@ -80,6 +80,9 @@
 
 // The outputs become the payload and a debug line.
 #define INTEGER_WORD(n, element) static_cast<u_int>(NAME_##element),
+#define LOG_DATA_LENGTH                                                                               \
+    log_debug("[VLK-API] %s  WLAN RPC server : result->return_data.return_data_len = %d\n", __func__, \
+              static_cast<int>(result->return_data.return_data_len));
 #define PACK_CODE log_debug("[VLK-API] %s  WLAN RPC server : return code :%d\n", __func__, *result);
 #define PACK_ACTION       \
     pack_nothing(result); \
@@ -95,16 +98,13 @@
 #define PACK_WORDS(type, name)                                 \
     pack_integers(result, &name, sizeof name / sizeof(u_int)); \
     log_debug("[VLK-API] %s  WLAN RPC server : return code :%d\n", __func__, result->return_code);
-#define PACK_STRING(name)                                                                             \
-    pack_string(result, name);                                                                        \
-    log_debug("[VLK-API] %s  WLAN RPC server : result->return_data.return_data_len = %d\n", __func__, \
-              static_cast<int>(result->return_data.return_data_len));
+#define PACK_STRING(name)      \
+    pack_string(result, name); \
+    LOG_DATA_LENGTH
 #define PACK_LONG_STRING(size, name) PACK_STRING(name)
-// Of a record the length has a blank behind it: the line is searched for as it has always been.
-#define PACK_IMAGE(type, name)                                                                         \
-    pack_image(result, &name, sizeof name);                                                            \
-    log_debug("[VLK-API] %s  WLAN RPC server : result->return_data.return_data_len = %d \n", __func__, \
-              static_cast<int>(result->return_data.return_data_len));
+#define PACK_IMAGE(type, name)              \
+    pack_image(result, &name, sizeof name); \
+    LOG_DATA_LENGTH
 #define PACK_COUNTED_IMAGE(type, name)                                            \
     pack_counted_image(result, count, &name, sizeof name);                        \
     log_debug("[VLK-API] %s  WLAN RPC server : [len %d]\n", __func__,             \

@@ -9,12 +9,9 @@
 #include "config/log.h"
 #include "lifecycle/pause.h"
 #include "lifecycle/state.h"
+#include "params/vap.h"
 #include "steering/soft_block.h"
 #include "survey/collector.h"
-
-// The first VAP of each radio.
-constexpr int FIRST_VAP_2G = 1;
-constexpr int FIRST_VAP_5G = 9;
 
 // The last thing every worker does. The call comes back on the service thread, which may be waiting in a cancellation
 // or in an earlier queue check just then: the client then waits too, and gives up after 25 seconds. Nothing is lost by

@@ -1,7 +1,8 @@
 // Rate sets and possible channels as the driver reports them; SSID advertisement, radio switch, transmit power and
 // automatic rate.
 //
-// Touches the store and runs `iwconfig` and `iwlist`. Runs on the service thread.
+// Touches the store and runs `iwconfig` and `iwlist`. Runs on the service thread; wlan_getRadioEnabled also on
+// lifecycle workers.
 #include "params/rates.h"
 
 #include <stdint.h>

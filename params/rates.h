@@ -1,7 +1,7 @@
 // Rate sets and possible channels as the driver reports them; SSID advertisement, radio switch, transmit power and
 // automatic rate.
 //
-// Touches the store and runs `iwconfig` and `iwlist`. Service thread.
+// Touches the store and runs `iwconfig` and `iwlist`. Service thread; wlan_getRadioEnabled also on lifecycle workers.
 //
 // Every operation but powerToPerCent takes the VAP index as the client sent it (1 to 16; VAP i drives interface
 // ath(i-1)) and returns 0 or -1. Index checks differ from operation to operation and are part of the contract. A text

@@ -15,6 +15,10 @@ constexpr int VAP_COUNT = 16;
 // VAPs 1 to 8 belong to one radio's group, 9 to 16 to the other's.
 constexpr int VAPS_PER_RADIO = 8;
 
+// What concerns a whole radio goes by its first VAP.
+constexpr int FIRST_VAP_2G = 1;
+constexpr int FIRST_VAP_5G = FIRST_VAP_2G + VAPS_PER_RADIO;
+
 // An SSID has at most 32 characters; escaping can double them.
 constexpr size_t SSID_MAX = 32;
 

@@ -6,9 +6,6 @@
 #include "params/settings.h"
 #include "params/vap.h"
 
-constexpr int FIRST_VAP_2G = 1;
-constexpr int FIRST_VAP_5G = 1 + VAPS_PER_RADIO;
-
 // The suffix is part of the name here: VAP 1 stands for the key with it, VAP 9 for the bare one. It looks crossed, but
 // do not mend it: the driver reads them so, as it does all settings of radio 0 and radio 1.
 constexpr number_setting SWITCH_2G = {"AP_ENABLE_ATF_2", SCOPE_DEVICE, ANY_INDEX, ABSENT_FAILS, QUIET};

@@ -31,10 +31,6 @@ enum answer_offset {
 };
 static_assert(RSSI_TABLE + 4 * RSSI_TABLE_ENTRIES <= COLLECTOR_ANSWER_SIZE);
 
-// The first VAP of each radio; collectors are kept for these.
-constexpr int FIRST_VAP_2G = 1;
-constexpr int FIRST_VAP_5G = 1 + VAPS_PER_RADIO;
-
 // Values of RSG_Enable.
 constexpr int RSG_2G_ONLY = 1;
 constexpr int RSG_5G_ONLY = 2;
