@@ -16,6 +16,7 @@
 #include <bit>
 
 #include "config/log.h"
+#include "config/store.h"
 
 // Data below this size travels inside the request record, as the wireless extensions lay it down.
 constexpr size_t INLINE_DATA_SIZE = IFNAMSIZ;
@@ -73,20 +74,47 @@ int wlan_get80211priv(const char *interface, unsigned long request, void *data, 
     return record.u.data.length;
 }
 
-int wlan_private_request(const char *interface, unsigned long request, void *data, uint16_t length) {
+// Sends a request with its data passed by reference whatever the length. The driver's length word comes back in length.
+static int send_by_reference(int sender, const char *interface, unsigned long request, void *data, uint16_t *length) {
+    iwreq record = {};
+    memcpy(record.ifr_name, interface, strnlen(interface, sizeof(record.ifr_name)));
+    record.u.data.pointer = data;
+    record.u.data.length = *length;
+    int result = ioctl(sender, request, &record);
+    *length = record.u.data.length;
+    return result;
+}
+
+// The same on a socket of its own.
+static int send_alone(const char *interface, unsigned long request, void *data, uint16_t *length) {
     int own = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (own < 0) {
         return -1;
     }
-    iwreq record = {};
-    memcpy(record.ifr_name, interface, strnlen(interface, sizeof(record.ifr_name)));
-    record.u.data.pointer = data;
-    record.u.data.length = length;
-    int result = ioctl(own, request, &record);
+    int result = send_by_reference(own, interface, request, data, length);
     int reason = errno;
     close(own);
     errno = reason;
     return result;
+}
+
+int wlan_private_request(const char *interface, unsigned long request, void *data, uint16_t length) {
+    return send_alone(interface, request, data, &length);
+}
+
+int wlan_shared_request(const char *interface, unsigned long request, void *data, uint16_t length) {
+    return send_by_reference(wlan_ioctl_socket(), interface, request, data, &length);
+}
+
+int wlan_driver_command(int index, driver_command *block) {
+    char interface[IFNAMSIZ];  // "ath" and any number
+    snprintf(interface, sizeof(interface), "ath%d", interface_number(index));
+    return wlan_shared_request(interface, IOCTL_DRIVER, block, sizeof(*block));
+}
+
+int wlan_get_essid(const char *interface, char essid[ESSID_SIZE]) {
+    uint16_t length = ESSID_SIZE - 1;
+    return send_alone(interface, SIOCGIWESSID, essid, &length) < 0 ? -1 : length;
 }
 
 void *low_memory_new(size_t size) {
@@ -112,6 +140,14 @@ void low_memory_free(void *memory, size_t size) {
     if (memory) {
         munmap(memory, size);
     }
+}
+
+uint32_t low_memory_address(const void *memory) {
+    return static_cast<uint32_t>(std::bit_cast<uintptr_t>(memory));
+}
+
+void *low_memory_at(uint32_t address) {
+    return std::bit_cast<void *>(static_cast<uintptr_t>(address));
 }
 
 // All of this in unsigned arithmetic: what lies between the bands wraps around, and callers only ever compare the

@@ -9,6 +9,26 @@
 // Private wireless request that answers with the driver's channel table (the first private request plus 7).
 constexpr unsigned long IOCTL_CHANNEL_TABLE = 0x8BE7;
 
+// The driver's own request. Which question it is shows in the length of the record that it carries the address of: the
+// command block below, the airtime table, a station's airtime counters.
+constexpr unsigned long IOCTL_DRIVER = 0x89FC;
+
+enum driver_command_number : uint32_t {
+    COMMAND_SCAN_STATUS = 38,    // the answer is what the request returns
+    COMMAND_SCAN_COUNT = 39,     // answers with the number of networks in value
+    COMMAND_SCAN_RESULTS = 40,   // fills the buffer, which has room for `value` networks
+    COMMAND_STATION_COUNT = 41,  // answers with the number of associated stations in the low 7 bits of value
+    COMMAND_STATION_TABLE = 42,  // fills the buffer, which has room for `value` stations
+};
+
+// A command with its operand or answer, and a buffer below 4 GiB (low_memory_new).
+struct driver_command {
+    uint32_t command;
+    uint32_t value;
+    uint32_t buffer;
+};
+static_assert(sizeof(driver_command) == 12);
+
 // One entry of the channel table, as the driver lays it out.
 struct channel_entry {
     uint16_t frequency;  // MHz
@@ -42,10 +62,27 @@ int wlan_get80211priv(const char *interface, unsigned long request, void *data, 
 // Returns what the driver returned; -1 with errno, and nothing reported, when it or the socket failed.
 int wlan_private_request(const char *interface, unsigned long request, void *data, uint16_t length);
 
+// The same on the shared socket.
+int wlan_shared_request(const char *interface, unsigned long request, void *data, uint16_t length);
+
+// Sends a command block to the driver of a VAP, any int. Returns what the driver returned, -1 with errno; nothing is
+// reported.
+int wlan_driver_command(int index, driver_command *block);
+
+// Reads the SSID that an interface uses, on a socket of its own, into a buffer for 32 characters and the NUL, which
+// the driver need not write. Returns the length that the driver told, which is any number; -1 with errno, and nothing
+// reported, when the request or the socket failed.
+constexpr size_t ESSID_SIZE = 33;
+int wlan_get_essid(const char *interface, char essid[ESSID_SIZE]);
+
 // Memory for the driver: it keeps some addresses in 32-bit words, so these bytes lie below 4 GiB on every build.
 // Zeroed. Null when there is no room. The caller gives them back with the same size.
 void *low_memory_new(size_t size);
 void low_memory_free(void *memory, size_t size);
+
+// The address of such memory as the driver takes it, and the way back.
+uint32_t low_memory_address(const void *memory);
+void *low_memory_at(uint32_t address);
 
 // Channel number of a frequency in MHz.
 unsigned freq_to_channel(unsigned frequency);

@@ -106,6 +106,6 @@ int request_debug(int index, uint8_t command, void *buffer, uint32_t size) {
     debug_request request = {};
     request.command = command;
     request.buffer_size = size;
-    request.buffer_address = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(buffer));
+    request.buffer_address = low_memory_address(buffer);
     return wlan_private_request(interface, IEEE80211_IOCTL_DBGREQ, &request, sizeof(request));
 }

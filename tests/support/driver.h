@@ -5,6 +5,7 @@
 #include <linux/wireless.h>
 #include <stdint.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -50,6 +51,42 @@ extern std::vector<debug_answer> debug_answers;
 
 // Where the buffer of a debug request of 211 bytes is.
 uint32_t buffer_address_of(const std::string &request);
+
+// A request of the other kinds as it reached the driver: the driver's own (0x89FC), a scan (0x8B18), the SSID (0x8B1B).
+struct seen_request {
+    std::string interface;
+    unsigned long request;
+    void *data;       // where the record points
+    uint16_t length;  // of the data
+    uint16_t flags;
+    std::string bytes;  // the data as it came
+    int descriptor;
+    bool is_closed_on_exec;
+};
+
+// What the driver does with it: writes the bytes over the data's beginning, as many as the data has room for; sets the
+// length word when it is not NO_LENGTH; then refuses with the error when that is not 0, or returns the result.
+constexpr int NO_LENGTH = -1;
+struct request_answer {
+    int error;
+    int result;
+    std::string bytes;
+    int length;
+};
+constexpr auto ANSWERED = [](const std::string &bytes = "") { return request_answer{0, 0, bytes, NO_LENGTH}; };
+constexpr auto REFUSED = [](int error) { return request_answer{error, 0, "", NO_LENGTH}; };
+
+// All such requests, and who answers them; nobody: success without effect. He may look at the caller's buffer, whose
+// address is in a command block's bytes, and fill it (write_buffer).
+extern std::vector<seen_request> requests;
+extern std::function<request_answer(const seen_request &)> answer_request;
+
+// The command block of a request of 12 bytes.
+driver_command block_of(const seen_request &request);
+// Bytes of a command block for an answer.
+std::string bytes_of(const driver_command &block);
+// Writes into a caller's buffer as the driver would; an address that leads nowhere fails the test instead of ending it.
+void write_buffer(uint32_t address, const std::string &bytes);
 
 // Nothing asked; answers everything with success and changes nothing.
 void reset_driver();

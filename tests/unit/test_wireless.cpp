@@ -4,6 +4,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <limits.h>
 #include <linux/wireless.h>
 #include <stdlib.h>
 #include <string.h>
@@ -12,6 +13,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <bit>
 #include <string>
 
 #include "tests/support/driver.h"
@@ -242,6 +244,117 @@ TEST_F(Wireless, AnOwnRequestLeavesNoDescriptorOpen) {
     EXPECT_EQ(lowest_free_descriptor(), before);
 }
 
+TEST_F(Wireless, ASharedRequestPassesShortDataByReferenceTooOnTheSharedSocket) {
+    char data[12] = {};
+    EXPECT_EQ(wlan_shared_request("ath3", 0x8BE1, data, sizeof(data)), 0);
+    EXPECT_EQ(driver.request, 0x8BE1UL);
+    EXPECT_EQ(driver.record.u.data.pointer, data);
+    EXPECT_EQ(driver.record.u.data.length, 12);
+    EXPECT_EQ(driver.record.u.data.flags, 0);
+    EXPECT_EQ(driver.descriptor, wlan_ioctl_socket());
+    EXPECT_EQ(std::string(driver.record.ifr_name, 16), std::string("ath3") + std::string(12, '\0'));
+}
+
+TEST_F(Wireless, ASharedRequestThatTheDriverRefusesIsNotReportedButSaysWhy) {
+    driver.error = EPERM;
+    char data[12] = {};
+    int status = 0;
+    int reason = 0;
+    printed_text printed = capture([&] {
+        status = wlan_shared_request("ath0", 0x8BE1, data, sizeof(data));
+        reason = errno;
+    });
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(reason, EPERM);
+    EXPECT_EQ(printed.out + printed.err, "");
+}
+
+// --- the driver's commands ---
+
+TEST_F(Wireless, ACommandGoesOutAsABlockOfTwelveBytesOnTheSharedSocket) {
+    driver_command block = {41, 7, 0x1234'5678};
+    answer_request = [](const seen_request &) { return request_answer{0, 3, "", NO_LENGTH}; };
+    EXPECT_EQ(wlan_driver_command(9, &block), 3);
+    ASSERT_EQ(requests.size(), 1U);
+    EXPECT_EQ(requests[0].interface, "ath8");
+    EXPECT_EQ(requests[0].request, 0x89FCUL);
+    EXPECT_EQ(requests[0].data, &block);
+    EXPECT_EQ(requests[0].bytes, std::string("\x29\0\0\0\7\0\0\0\x78\x56\x34\x12", 12));
+    EXPECT_EQ(requests[0].descriptor, wlan_ioctl_socket());
+}
+
+TEST_F(Wireless, TheAnswerToACommandStandsInItsBlock) {
+    driver_command block = {39, 0, 0};
+    answer_request = [](const seen_request &) { return ANSWERED(bytes_of({39, 300, 0})); };
+    EXPECT_EQ(wlan_driver_command(1, &block), 0);
+    EXPECT_EQ(block.value, 300U);
+}
+
+TEST_F(Wireless, ARefusedCommandFailsAndIsNotReported) {
+    driver_command block = {};
+    answer_request = [](const seen_request &) { return REFUSED(EIO); };
+    int status = 0;
+    printed_text printed = capture([&] { status = wlan_driver_command(1, &block); });
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(printed.out + printed.err, "");
+}
+
+TEST_F(Wireless, AnyIndexNamesAnInterface) {
+    driver_command block = {};
+    for (int index : {0, -1, INT_MIN, INT_MAX}) {
+        wlan_driver_command(index, &block);
+    }
+    ASSERT_EQ(requests.size(), 4U);
+    EXPECT_EQ(requests[0].interface, "ath-1");
+    EXPECT_EQ(requests[1].interface, "ath-2");
+    EXPECT_EQ(requests[2].interface, "ath2147483647");
+    EXPECT_EQ(requests[3].interface, "ath2147483646");
+}
+
+// --- the SSID ---
+
+TEST_F(Wireless, TheSsidIsAskedForWithRoomForThirtyTwoCharactersOnASocketOfItsOwn) {
+    answer_request = [](const seen_request &) { return request_answer{0, 0, "Home", 4}; };
+    int shared = wlan_ioctl_socket();
+    int before = lowest_free_descriptor();
+    char essid[ESSID_SIZE] = "";
+    EXPECT_EQ(wlan_get_essid("ath5", essid), 4);
+    EXPECT_STREQ(essid, "Home");
+    ASSERT_EQ(requests.size(), 1U);
+    EXPECT_EQ(requests[0].interface, "ath5");
+    EXPECT_EQ(requests[0].request, 0x8B1BUL);
+    EXPECT_EQ(requests[0].data, essid);
+    EXPECT_EQ(requests[0].length, 32);
+    EXPECT_EQ(requests[0].flags, 0);
+    EXPECT_NE(requests[0].descriptor, shared);
+    EXPECT_TRUE(requests[0].is_closed_on_exec);
+    EXPECT_EQ(lowest_free_descriptor(), before);
+}
+
+TEST_F(Wireless, ALengthOfAnSsidThatCannotBeIsHandedOnAsItIs) {
+    answer_request = [](const seen_request &) { return request_answer{0, 0, "", 65535}; };
+    char essid[ESSID_SIZE] = "";
+    EXPECT_EQ(wlan_get_essid("ath0", essid), 65535);
+}
+
+TEST_F(Wireless, AnSsidThatTheDriverRefusesFailsAndLeavesNoDescriptorOpen) {
+    answer_request = [](const seen_request &) { return REFUSED(ENODEV); };
+    char essid[ESSID_SIZE] = "";
+    int before = lowest_free_descriptor();
+    EXPECT_EQ(wlan_get_essid("ath0", essid), -1);
+    EXPECT_EQ(errno, ENODEV);
+    EXPECT_EQ(lowest_free_descriptor(), before);
+}
+
+TEST_F(Wireless, WithoutASocketThereIsNoSsid) {
+    char essid[ESSID_SIZE] = "";
+    begin_descriptor_shortage();
+    int status = wlan_get_essid("ath0", essid);
+    end_descriptor_shortage();
+    EXPECT_EQ(status, -1);
+    EXPECT_TRUE(requests.empty());
+}
+
 // --- memory for the driver ---
 
 constexpr uintptr_t FOUR_GIBIBYTES = uintptr_t{0xffff'ffff};
@@ -315,6 +428,15 @@ TEST_F(Wireless, NoMemoryForTheDriverIsNull) {
 TEST_F(Wireless, MemoryForTheDriverThatWouldReachTooHighIsNull) {
     EXPECT_EQ(low_memory_new(size_t{0xf800'0000}), nullptr);
     EXPECT_EQ(low_memory_new(SIZE_MAX), nullptr);
+}
+
+TEST_F(Wireless, TheAddressOfMemoryForTheDriverFitsAWordAndLeadsBack) {
+    void *memory = low_memory_new(16);
+    ASSERT_NE(memory, nullptr);
+    EXPECT_EQ(std::bit_cast<uintptr_t>(memory), low_memory_address(memory));
+    EXPECT_EQ(low_memory_at(low_memory_address(memory)), memory);
+    EXPECT_EQ(low_memory_address(nullptr), 0U);
+    low_memory_free(memory, 16);
 }
 
 // --- the channel table ---
