@@ -46,20 +46,21 @@ ASSERT_OFFSET(wlan_stats_t, words_3_to_5, 12);
 ASSERT_OFFSET(wlan_stats_t, tx_multicast, 24);
 ASSERT_OFFSET(wlan_stats_t, words_7_to_10, 28);
 
-// One associated station, as the driver fills it. The meaning of the numbered fields is the driver's.
+// One associated station, as the driver fills it. The named fields are called as the server's own listing calls them;
+// what the numbered ones mean is the driver's. It delivers tx_packets and tx_rate the other way round.
 struct wlan_device_t {
     char mac[18];  // six colon-separated hexadecimal pairs and the NUL
     char ip[64];
-    char field_3[45];
+    char capabilities[45];
     char field_4[17];
-    uint32_t field_5;
-    uint32_t field_6;
-    uint32_t field_7;
-    uint32_t field_8;
-    uint32_t field_9;
+    uint32_t connected_time;
+    uint32_t state;
+    uint32_t tx_packets;
+    uint32_t tx_rate;
+    uint32_t max_rate;
     int32_t field_10;
-    uint32_t field_11;
-    uint32_t field_12;
+    uint32_t mc_tx_packets;
+    uint32_t uc_tx_packets;
     uint16_t field_13;
     uint8_t padding_13[2];
     uint32_t field_14;
@@ -69,21 +70,21 @@ struct wlan_device_t {
     uint8_t padding_17[3];
     int32_t field_18;
     uint32_t reserved;  // not part of the XDR form
-    char field_19[32];
+    char ssid[32];
 };
 static_assert(sizeof(wlan_device_t) == 236);
 ASSERT_OFFSET(wlan_device_t, mac, 0);
 ASSERT_OFFSET(wlan_device_t, ip, 18);
-ASSERT_OFFSET(wlan_device_t, field_3, 82);
+ASSERT_OFFSET(wlan_device_t, capabilities, 82);
 ASSERT_OFFSET(wlan_device_t, field_4, 127);
-ASSERT_OFFSET(wlan_device_t, field_5, 144);
-ASSERT_OFFSET(wlan_device_t, field_6, 148);
-ASSERT_OFFSET(wlan_device_t, field_7, 152);
-ASSERT_OFFSET(wlan_device_t, field_8, 156);
-ASSERT_OFFSET(wlan_device_t, field_9, 160);
+ASSERT_OFFSET(wlan_device_t, connected_time, 144);
+ASSERT_OFFSET(wlan_device_t, state, 148);
+ASSERT_OFFSET(wlan_device_t, tx_packets, 152);
+ASSERT_OFFSET(wlan_device_t, tx_rate, 156);
+ASSERT_OFFSET(wlan_device_t, max_rate, 160);
 ASSERT_OFFSET(wlan_device_t, field_10, 164);
-ASSERT_OFFSET(wlan_device_t, field_11, 168);
-ASSERT_OFFSET(wlan_device_t, field_12, 172);
+ASSERT_OFFSET(wlan_device_t, mc_tx_packets, 168);
+ASSERT_OFFSET(wlan_device_t, uc_tx_packets, 172);
 ASSERT_OFFSET(wlan_device_t, field_13, 176);
 ASSERT_OFFSET(wlan_device_t, padding_13, 178);
 ASSERT_OFFSET(wlan_device_t, field_14, 180);
@@ -93,7 +94,7 @@ ASSERT_OFFSET(wlan_device_t, interface, 192);
 ASSERT_OFFSET(wlan_device_t, padding_17, 193);
 ASSERT_OFFSET(wlan_device_t, field_18, 196);
 ASSERT_OFFSET(wlan_device_t, reserved, 200);
-ASSERT_OFFSET(wlan_device_t, field_19, 204);
+ASSERT_OFFSET(wlan_device_t, ssid, 204);
 
 // As many stations as one reply reports.
 constexpr size_t ASSOC_DEVICES_MAX = 32;

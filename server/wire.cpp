@@ -70,14 +70,15 @@ bool_t xdr_wlan_stats_t(XDR *xdrs, wlan_stats_t *stats) {
 
 bool_t xdr_wlan_device_t(XDR *xdrs, wlan_device_t *device) {
     return xdr_chars(xdrs, device->mac, sizeof device->mac) && xdr_chars(xdrs, device->ip, sizeof device->ip) &&
-           xdr_chars(xdrs, device->field_3, sizeof device->field_3) &&
-           xdr_chars(xdrs, device->field_4, sizeof device->field_4) && xdr_u32(xdrs, &device->field_5) &&
-           xdr_u32(xdrs, &device->field_6) && xdr_u32(xdrs, &device->field_7) && xdr_u32(xdrs, &device->field_8) &&
-           xdr_u32(xdrs, &device->field_9) && xdr_int(xdrs, &device->field_10) && xdr_u32(xdrs, &device->field_11) &&
-           xdr_u32(xdrs, &device->field_12) && xdr_u_short(xdrs, &device->field_13) &&
-           xdr_u32(xdrs, &device->field_14) && xdr_u32(xdrs, &device->field_15) && xdr_u32(xdrs, &device->field_16) &&
+           xdr_chars(xdrs, device->capabilities, sizeof device->capabilities) &&
+           xdr_chars(xdrs, device->field_4, sizeof device->field_4) && xdr_u32(xdrs, &device->connected_time) &&
+           xdr_u32(xdrs, &device->state) && xdr_u32(xdrs, &device->tx_packets) && xdr_u32(xdrs, &device->tx_rate) &&
+           xdr_u32(xdrs, &device->max_rate) && xdr_int(xdrs, &device->field_10) &&
+           xdr_u32(xdrs, &device->mc_tx_packets) && xdr_u32(xdrs, &device->uc_tx_packets) &&
+           xdr_u_short(xdrs, &device->field_13) && xdr_u32(xdrs, &device->field_14) &&
+           xdr_u32(xdrs, &device->field_15) && xdr_u32(xdrs, &device->field_16) &&
            xdr_u_char(xdrs, &device->interface) && xdr_int(xdrs, &device->field_18) &&
-           xdr_chars(xdrs, device->field_19, sizeof device->field_19);
+           xdr_chars(xdrs, device->ssid, sizeof device->ssid);
 }
 
 bool_t xdr_wlan_assoc_devices_table(XDR *xdrs, wlan_assoc_devices_table *table) {

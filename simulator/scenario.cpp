@@ -12,9 +12,12 @@
 // The air around a radio of which the scenario says nothing.
 constexpr scenario_air AIR = {false, 20, 5, 25, 2, -95, 3, 0.1};
 
+// What a scan takes when the scenario does not say it.
+constexpr double SCAN_SECONDS = 2;
+
 // Items, one function each.
 
-// radio 0 band=2.4 mac=00:03:7F:10:00:00 txpower=20
+// radio 0 band=2.4 mac=00:03:7F:10:00:00 txpower=20 scan_seconds=2
 static bool read_radio(scenario_reader *reader) {
     int number = 0;
     if (!read_position(reader, 1, "radio", 0, SCENARIO_RADIOS - 1, &number))
@@ -25,13 +28,15 @@ static bool read_radio(scenario_reader *reader) {
     radio->declared = true;
     radio->txpower = 20;
     radio->air = AIR;
+    radio->scan_seconds = SCAN_SECONDS;
     char band[SCENARIO_WORD_SIZE];
     field fields[] = {
         {"band", band, 0, 0, FIELD_WORD, true, false},
         {"mac", radio->mac, 0, 0, FIELD_MAC, true, false},
         {"txpower", &radio->txpower, 0, 40, FIELD_INTEGER, false, false},
+        {"scan_seconds", &radio->scan_seconds, 0, 0, FIELD_SECONDS, false, false},
     };
-    if (!read_fields(reader, 2, fields, 3))
+    if (!read_fields(reader, 2, fields, 4))
         return false;
     radio->five_ghz = strcmp(band, "5") == 0;
     if (!radio->five_ghz && strcmp(band, "2.4") != 0)
@@ -124,7 +129,26 @@ static bool read_counters(scenario_reader *reader) {
     return read_fields(reader, 2, fields, 4);
 }
 
-// station 1 mac=28:6A:BA:00:00:01 ip=192.168.1.20 rssi=45 tx_rate=130 rx_rate=117
+// airtime 1 share=125 group=Guests
+static bool read_airtime(scenario_reader *reader) {
+    int number = 0;
+    if (!read_position(reader, 1, "VAP", 1, SCENARIO_VAPS, &number))
+        return false;
+    scenario_vap *vap = &reader->scene->vaps[number - 1];
+    if (!vap->declared)
+        return complain(reader, "VAP %d is not declared yet", number);
+    if (vap->airtime.declared)
+        return complain(reader, "airtime of VAP %d stands twice", number);
+    vap->airtime.declared = true;
+    field fields[] = {
+        {"share", &vap->airtime.share, 0, 1000, FIELD_INTEGER, true, false},
+        {"group", vap->airtime.group, 0, 0, FIELD_WORD, false, false},
+    };
+    return read_fields(reader, 2, fields, 2);
+}
+
+// station 1 mac=28:6A:BA:00:00:01 ip=192.168.1.20 rssi=45 tx_rate=130 rx_rate=117 from=5 until=60 packets=10+3
+// airtime=20000+1500 tokens=1000 act_tokens=600 unused=200 capabilities=QoS
 static bool read_station(scenario_reader *reader) {
     scenario *scene = reader->scene;
     if (scene->station_count == SCENARIO_STATIONS)
@@ -140,9 +164,19 @@ static bool read_station(scenario_reader *reader) {
         {"rssi", &station->rssi, -128, 127, FIELD_INTEGER, true, false},
         {"tx_rate", &station->tx_rate, 0, 10000, FIELD_INTEGER, true, false},
         {"rx_rate", &station->rx_rate, 0, 10000, FIELD_INTEGER, true, false},
+        {"from", &station->from, 0, 0, FIELD_SECONDS, false, false},
+        {"until", &station->until, 0, 0, FIELD_SECONDS, false, false},
+        {"capabilities", station->capabilities, 0, 0, FIELD_WORD, false, false},
+        {"packets", &station->packets, 0, 0, FIELD_COUNTER, false, false},
+        {"airtime", &station->airtime, 0, 0, FIELD_COUNTER, false, false},
+        {"tokens", &station->tokens, 0, UINT32_MAX, FIELD_NUMBER, false, false},
+        {"act_tokens", &station->act_tokens, 0, UINT32_MAX, FIELD_NUMBER, false, false},
+        {"unused", &station->unused, 0, UINT32_MAX, FIELD_NUMBER, false, false},
     };
-    if (!read_fields(reader, 2, fields, 5))
+    if (!read_fields(reader, 2, fields, sizeof fields / sizeof fields[0]))
         return false;
+    if (fields[6].seen && station->until <= station->from)
+        return complain(reader, "a station goes after it came: until is larger than from");
     scene->station_count++;
     return true;
 }
@@ -342,6 +376,7 @@ static const item items[] = {
     {"channel", read_channel},
     {"vap", read_vap},
     {"counters", read_counters},
+    {"airtime", read_airtime},
     {"station", read_station},
     {"neighbour", read_neighbour},
     {"wps", read_wps},

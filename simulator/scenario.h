@@ -49,6 +49,7 @@ struct scenario_radio {
     char mac[MAC_TEXT_SIZE];
     int txpower;  // dBm
     scenario_air air;
+    double scan_seconds;  // what a scan for neighbours takes
     int channel_count;
     scenario_channel channels[SCENARIO_CHANNELS];
 };
@@ -79,6 +80,13 @@ struct scenario_wps_line {
     char value[SETTING_VALUE_SIZE];
 };
 
+// A VAP's part of its radio's airtime, of its own or within a group of VAPs.
+struct scenario_airtime {
+    bool declared;
+    int share;  // in tenths of a percent
+    char group[SCENARIO_WORD_SIZE];
+};
+
 struct scenario_vap {
     bool declared;
     int radio;
@@ -87,14 +95,21 @@ struct scenario_vap {
     char ssid[SSID_SIZE];
     scenario_counter rx_packets, tx_packets, rx_bytes, tx_bytes;
     scenario_wps wps;
+    scenario_airtime airtime;
 };
 
+// A station, and when it is there. Its counters run from the moment in which it came.
 struct scenario_station {
     int vap;  // 1 to 16
     char mac[MAC_TEXT_SIZE];
     char ip[16];
     int rssi;              // dB over noise, as the driver lists it
     int tx_rate, rx_rate;  // Mb/s
+    double from, until;    // seconds after its VAP came up; until is 0 for one that stays
+    char capabilities[SCENARIO_WORD_SIZE];
+    scenario_counter packets;             // sent to it
+    scenario_counter airtime;             // microseconds
+    unsigned tokens, act_tokens, unused;  // of the airtime in the driver's last round
 };
 
 struct scenario_neighbour {

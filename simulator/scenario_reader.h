@@ -9,7 +9,7 @@
 
 #include "simulator/scenario.h"
 
-constexpr int MOST_WORDS = 16;         // the longest item has fewer
+constexpr int MOST_WORDS = 20;         // the longest item has fewer
 constexpr size_t LONGEST_LINE = 1024;  // a setting with key and value, and a margin
 
 // A scenario being read, with the line that is being looked at.

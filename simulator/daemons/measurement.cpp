@@ -2,6 +2,8 @@
 
 #include <math.h>
 
+#include "simulator/driver/stations.h"
+
 // How long a value takes from its lowest to its highest and back.
 constexpr double PERIOD_SECONDS = 60;
 
@@ -60,7 +62,7 @@ void measure(const scenario *scene, const driver_state *state, int radio, double
     }
     for (int i = 0; i < scene->station_count; i++) {
         const scenario_station *station = &scene->stations[i];
-        if (serves(scene, state, station->vap - 1, radio))
+        if (scene->vaps[station->vap - 1].radio == radio && station_is_there(station, state, now))
             result->rssi[rssi_entry(station->rssi)]++;
     }
 }

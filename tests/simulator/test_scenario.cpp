@@ -46,7 +46,7 @@ TEST(Scenario, TheHomeScenarioHasTwoRadiosOfEightVapsWithTheFirstOfEachEnabled) 
     }
     EXPECT_STREQ(scene->vaps[0].ssid, "Home network");
     EXPECT_STREQ(scene->vaps[0].bssid, "00:03:7F:10:00:01");
-    EXPECT_EQ(scene->station_count, 5);
+    EXPECT_EQ(scene->station_count, 7);
     EXPECT_EQ(scene->neighbour_count, 6);
     EXPECT_EQ(scene->vaps[0].wps.result, WPS_SUCCEEDS);
     scenario_free(scene);
@@ -357,7 +357,7 @@ TEST(Scenario, AQuoteThatIsNotClosedIsRefused) {
 }
 
 TEST(Scenario, ALineWithTooManyWordsIsRefused) {
-    EXPECT_EQ(refusal("driver a b c d e f g h i j k l m n o p\n"), "test.scn:1: too many words");
+    EXPECT_EQ(refusal("driver a b c d e f g h i j k l m n o p q r s t\n"), "test.scn:1: too many words");
 }
 
 TEST(Scenario, AnOverlongLineIsRefused) {
@@ -480,6 +480,68 @@ TEST(InitialStore, ASettingOfTheScenarioReplacesTheLineThatIsThereAnyway) {
     EXPECT_EQ(value_in(store, "AP_PRIMARY_CH_2"), "11");
     EXPECT_EQ(value_in(store, "OWN_KEY"), "own value");
     store_free(&store);
+}
+
+// --- stations that come and go, and their airtime ---
+
+const std::string STATION = VAP + "station 1 mac=28:6A:BA:00:00:01 ip=192.168.1.20 rssi=45 tx_rate=130 rx_rate=117";
+
+TEST(Scenario, AStationIsThereFromTheBeginningToTheEndUnlessItSaysOtherwise) {
+    parsed always(STATION);
+    ASSERT_NE(always.scene, nullptr) << always.error;
+    EXPECT_EQ(always.scene->stations[0].from, 0);
+    EXPECT_EQ(always.scene->stations[0].until, 0);
+    parsed some_time(STATION + " from=1.5 until=60");
+    ASSERT_NE(some_time.scene, nullptr) << some_time.error;
+    EXPECT_EQ(some_time.scene->stations[0].from, 1.5);
+    EXPECT_EQ(some_time.scene->stations[0].until, 60);
+}
+
+TEST(Scenario, AStationDoesNotGoBeforeItCame) {
+    EXPECT_EQ(refusal(STATION + " from=5 until=5"),
+              "test.scn:3: a station goes after it came: until is larger than from");
+    EXPECT_EQ(refusal(STATION + " until=0"), "test.scn:3: a station goes after it came: until is larger than from");
+}
+
+TEST(Scenario, AStationHasCountersAndTokens) {
+    parsed one(STATION +
+               " packets=10+3 airtime=20000+1500 tokens=4294967295 act_tokens=600 unused=200 capabilities=QoS");
+    ASSERT_NE(one.scene, nullptr) << one.error;
+    const scenario_station *station = &one.scene->stations[0];
+    EXPECT_EQ(scenario_count(&station->packets, 2), 16U);
+    EXPECT_EQ(scenario_count(&station->airtime, 2), 23000U);
+    EXPECT_EQ(station->tokens, 4294967295U);
+    EXPECT_EQ(station->act_tokens, 600U);
+    EXPECT_EQ(station->unused, 200U);
+    EXPECT_STREQ(station->capabilities, "QoS");
+}
+
+TEST(Scenario, AVapHasAShareOfTheAirtimeOfItsOwnOrInAGroup) {
+    parsed own(VAP + "airtime 1 share=125");
+    ASSERT_NE(own.scene, nullptr) << own.error;
+    EXPECT_TRUE(own.scene->vaps[0].airtime.declared);
+    EXPECT_EQ(own.scene->vaps[0].airtime.share, 125);
+    EXPECT_STREQ(own.scene->vaps[0].airtime.group, "");
+    EXPECT_FALSE(own.scene->vaps[1].airtime.declared);
+    parsed grouped(VAP + "airtime 1 share=1000 group=Guests");
+    ASSERT_NE(grouped.scene, nullptr) << grouped.error;
+    EXPECT_STREQ(grouped.scene->vaps[0].airtime.group, "Guests");
+}
+
+TEST(Scenario, AShareOfTheAirtimeIsRefusedTwiceBeyondTheWholeAndWithoutItsVap) {
+    EXPECT_EQ(refusal(VAP + "airtime 1 share=1\nairtime 1 share=2"), "test.scn:4: airtime of VAP 1 stands twice");
+    EXPECT_EQ(refusal(VAP + "airtime 2 share=1"), "test.scn:3: VAP 2 is not declared yet");
+    EXPECT_NE(refusal(VAP + "airtime 1 share=1001"), "");
+    EXPECT_NE(refusal(VAP + "airtime 1"), "");
+}
+
+TEST(Scenario, AScanTakesTwoSecondsUnlessTheRadioSaysOtherwise) {
+    parsed silent(RADIO);
+    ASSERT_NE(silent.scene, nullptr) << silent.error;
+    EXPECT_EQ(silent.scene->radios[0].scan_seconds, 2);
+    parsed said("radio 0 band=2.4 mac=00:03:7F:10:00:00 scan_seconds=0.5");
+    ASSERT_NE(said.scene, nullptr) << said.error;
+    EXPECT_EQ(said.scene->radios[0].scan_seconds, 0.5);
 }
 
 }  // namespace

@@ -312,23 +312,23 @@ wlan_device_t sample_device() {
     wlan_device_t device = {};
     strcpy(device.mac, "00:03:7f:aa:bb:cc");
     strcpy(device.ip, "192.168.1.20");
-    strcpy(device.field_3, "laptop");
+    strcpy(device.capabilities, "laptop");
     strcpy(device.field_4, "11NG");
-    device.field_5 = 5;
-    device.field_6 = 6;
-    device.field_7 = 7;
-    device.field_8 = 8;
-    device.field_9 = 9;
+    device.connected_time = 5;
+    device.state = 6;
+    device.tx_packets = 7;
+    device.tx_rate = 8;
+    device.max_rate = 9;
     device.field_10 = -10;
-    device.field_11 = 11;
-    device.field_12 = 12;
+    device.mc_tx_packets = 11;
+    device.uc_tx_packets = 12;
     device.field_13 = 13;
     device.field_14 = 14;
     device.field_15 = 15;
     device.field_16 = 16;
     device.interface = 3;
     device.field_18 = -18;
-    strcpy(device.field_19, "home");
+    strcpy(device.ssid, "home");
     return device;
 }
 
