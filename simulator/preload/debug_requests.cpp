@@ -1,17 +1,13 @@
 // The debug requests: reading the temporary black list of an interface, and forgetting its 5 GHz capable stations.
-//
-// What the caller points to is read and written through a pipe: the kernel then says which addresses are not the
-// caller's, where a plain access would end him.
 #include <errno.h>
-#include <fcntl.h>
 #include <math.h>
 #include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
-#include <unistd.h>
 
 #include "simulator/driver/steering_tables.h"
 #include "simulator/faults.h"
+#include "simulator/preload/caller_memory.h"
 #include "simulator/preload/requests.h"
 #include "simulator/scenario.h"
 
@@ -46,25 +42,9 @@ struct buffer_head {
     uint32_t fetches;
 };
 
-// Moves a few bytes from one place to another, either of which may be none of the caller's. 0 or an error number. The
-// size must be one that a pipe holds.
-static int move(const void *from, void *to, size_t size) {
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0)
-        return errno;
-    bool moved = write(ends[1], from, size) == (ssize_t)size && read(ends[0], to, size) == (ssize_t)size;
-    int reason = moved ? 0 : EFAULT;
-    close(ends[0]);
-    close(ends[1]);
-    return reason;
-}
-
-// The place in a buffer that a 32-bit address and an offset lead to.
+// The place in the buffer that an offset leads to.
 static void *place(const debug_request *request, uint64_t offset) {
-    uintptr_t address = request->address + offset;
-    void *pointer;
-    memcpy(&pointer, &address, sizeof pointer);
-    return pointer;
+    return caller_place(request->address, offset);
 }
 
 static uint32_t entries_told(const char *interface) {
@@ -88,7 +68,7 @@ static int write_entries(const debug_request *request, const blacklist_entry *kn
         list_entry entry = {};
         if (i < (uint32_t)known_count)
             fill_entry(&known[i], &entry);
-        reason = move(&entry, place(request, (uint64_t)i * sizeof entry), sizeof entry);
+        reason = move_bytes(&entry, place(request, (uint64_t)i * sizeof entry), sizeof entry);
     }
     return reason;
 }
@@ -115,13 +95,13 @@ static int read_black_list(const char *interface, const debug_request *request) 
     if (request->size < sizeof head.count)
         return EINVAL;
     size_t length = request->size < sizeof head ? sizeof head.count : sizeof head;
-    int reason = move(place(request, 0), &head, length);
+    int reason = move_bytes(place(request, 0), &head, length);
     if (reason != 0)
         return reason;
     if (head.fetches == 1)
         return fetch_entries(interface, request, head.count);
     uint32_t told = entries_told(interface);
-    return move(&told, place(request, 0), sizeof told);
+    return move_bytes(&told, place(request, 0), sizeof told);
 }
 
 int answer_debug_request(const char *interface, iwreq *request) {
@@ -130,7 +110,7 @@ int answer_debug_request(const char *interface, iwreq *request) {
         return EINVAL;
     if (vap_of_interface(interface) < 0)
         return EOPNOTSUPP;
-    int reason = move(request->u.data.pointer, &asked, sizeof asked);
+    int reason = move_bytes(request->u.data.pointer, &asked, sizeof asked);
     if (reason != 0)
         return reason;
     switch (asked.command) {

@@ -6,6 +6,7 @@
 // function: it must be loadable into a server that is itself built with a sanitizer.
 #include <dlfcn.h>
 #include <errno.h>
+#include <limits.h>
 #include <net/if.h>
 #include <stdarg.h>
 #include <stdio.h>
@@ -62,21 +63,25 @@ static bool is_driver_interface(const char *name) {
     return vap_of_interface(name) >= 0 || radio_of_device(name) >= 0;
 }
 
+// Stands for requests with data of any length.
+constexpr unsigned ANY_LENGTH = UINT_MAX;
+
 // A request that is answered here; all others on the driver's interfaces are the kernel's.
 struct simulated_request {
     unsigned long number;
+    unsigned length;  // of its data, which tells the driver's own requests apart
     int (*answer)(const char *interface, iwreq *request);
 };
 
 static const simulated_request simulated_requests[] = {
-    {REQUEST_CHANNEL_TABLE, answer_channel_table},
-    {SIOCGIWESSID, answer_essid},
-    {REQUEST_DEBUG, answer_debug_request},
+    {REQUEST_CHANNEL_TABLE, ANY_LENGTH, answer_channel_table},
+    {SIOCGIWESSID, ANY_LENGTH, answer_essid},
+    {REQUEST_DEBUG, ANY_LENGTH, answer_debug_request},
 };
 
-static const simulated_request *find_request(unsigned long number) {
+static const simulated_request *find_request(unsigned long number, unsigned length) {
     for (const simulated_request &candidate : simulated_requests) {
-        if (candidate.number == number)
+        if (candidate.number == number && (candidate.length == ANY_LENGTH || candidate.length == length))
             return &candidate;
     }
     return nullptr;
@@ -98,8 +103,8 @@ static int refusal(const char *name, unsigned long number) {
 static int driver_ioctl(int file, unsigned long number, iwreq *request) {
     char name[IFNAMSIZ + 1];
     snprintf(name, sizeof name, "%.*s", IFNAMSIZ, request->ifr_name);
-    const simulated_request *simulated = find_request(number);
     unsigned length = request->u.data.length;
+    const simulated_request *simulated = find_request(number, length);
     int result = 0;
     int reason = refusal(name, number);
     if (reason == 0 && simulated != nullptr) {
