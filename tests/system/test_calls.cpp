@@ -163,7 +163,10 @@ bool is_always_written(const std::string &line) {
 // Tools complain on the server's standard error: of interfaces that are down, of a MAC that is none, of a collector
 // that does not run.
 bool is_complaint_of_a_tool(const std::string &line) {
-    return line.starts_with("ath") || line.starts_with("Invalid address ") || line.starts_with("radstat");
+    for (const char *begin : {"ath", "Invalid address ", "radstat", "airtime: "})
+        if (line.starts_with(begin))
+            return true;
+    return false;
 }
 
 // Errors are written always; here that soft block's daemon is not there.
