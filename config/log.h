@@ -15,8 +15,8 @@ bool wlan_debug_enabled(void);
 // "[VLK-API] " and newline included, so that every text can be found by searching the tree for it.
 void log_debug(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
-// Writes one line to standard error, always. The format begins "[VLK-API] Error ", but for one older line that is known
-// by its own words ("chan_flag").
+// Writes one line to standard error, always. The format begins "[VLK-API] Error ", but for a few older lines that are
+// known by their own words ("chan_flag", "Site Survey not complete") and for the diagnostics.
 void log_error(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
 // Writes one line to standard output, always: a few operations report to whoever watches the server's output.

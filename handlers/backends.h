@@ -15,3 +15,4 @@
 #include "steering/mac_list.h"
 #include "steering/soft_block.h"
 #include "survey/collector.h"
+#include "survey/site_survey.h"

@@ -47,6 +47,29 @@ bool_t wlan_ap_auto_channel_select_1_svc(int index, wlan_config_result_data_t *r
     return TRUE;
 }
 
+// The two below end with a line on standard output, debugging or not and without the usual tag: whoever watches the
+// server sees by it that a survey was started, or asked for, and that the call is over. Hence it is the last line of
+// the call.
+bool_t wlan_ap_scan_1_svc(int index, wlan_config_result_data_t *result, svc_req *) {
+    log_debug("[VLK-API] %s  WLAN RPC server : [index %d]\n", __func__, index);
+    result->return_code = static_cast<wlan_config_return_code_e>(wlan_ApSiteSurvey(index));
+    pack_nothing(result);
+    log_debug("[VLK-API] %s  WLAN RPC server : return code :%d\n", __func__, result->return_code);
+    log_always("end wlan_ap_scan_1_svc\n");
+    return TRUE;
+}
+
+bool_t wlan_get_ap_scan_status_1_svc(int index, wlan_config_result_data_t *result, svc_req *) {
+    log_debug("[VLK-API] %s  WLAN RPC server : [index %d]\n", __func__, index);
+    int status = 0;
+    result->return_code = static_cast<wlan_config_return_code_e>(wlan_ApSiteSurveyStatus(index, &status));
+    const u_int word = static_cast<u_int>(status);
+    pack_integers(result, &word, 1);
+    log_debug("[VLK-API] %s  WLAN RPC server : [status %d]\n", __func__, status);
+    log_always("end wlan_get_ap_scan_status_1_svc\n");
+    return TRUE;
+}
+
 // The length in its last line has a blank behind it, unlike those of all other handlers: it is searched for like that.
 bool_t wlan_get_softblock_black_list_1_svc(int index, wlan_config_result_data_t *result, svc_req *) {
     log_debug("[VLK-API] %s  WLAN RPC server : [index %d]\n", __func__, index);

@@ -151,10 +151,12 @@ TEST(Calls, RandomDatagramsLeaveTheSameServerRunning) {
 
 // What a few operations write whether somebody debugs or not.
 bool is_always_written(const std::string &line) {
-    for (const char *begin : {" WLAN RPC server : [Channel Switch ", "Command is ", "Has not been implemented",
-                              "chan_flag ", "not exist ", "[VLK-API] Error wlan_associateVlan ", "error in ioctl ",
-                              "IEEE80211_IOCTL_DBGREQ: ", "Debug info: involve the need to up",
-                              "wlan_setBssBandSteer2gTempBlacklistClear cmd: "})
+    for (const char *begin :
+         {" WLAN RPC server : [Channel Switch ", "Command is ", "Has not been implemented", "chan_flag ", "not exist ",
+          "[VLK-API] Error wlan_associateVlan ", "error in ioctl ",
+          "IEEE80211_IOCTL_DBGREQ: ", "Debug info: involve the need to up",
+          "wlan_setBssBandSteer2gTempBlacklistClear cmd: ", "end wlan_ap_scan_1_svc",
+          "wlan_getApScanResult_2: Site Survey not complete : ", "end wlan_get_ap_scan_status_1_svc"})
         if (line.starts_with(begin))
             return true;
     return false;
