@@ -10,6 +10,8 @@
 #include "params/wmm.h"
 #include "params/wps.h"
 #include "steering/airtime.h"
+#include "steering/airtime_events.h"
+#include "steering/airtime_table.h"
 #include "steering/band_steering.h"
 #include "steering/channel_switch.h"
 #include "steering/mac_list.h"

@@ -1,2 +1,4 @@
-// Compiled for a 32-bit machine by the tests: the assertions of the header are what is checked.
+// Compiled for a 32-bit machine by the tests: the assertions of the headers are what is checked.
+#include "config/wireless.h"
 #include "server/records.h"
+#include "steering/airtime_table.h"

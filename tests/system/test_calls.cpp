@@ -156,7 +156,9 @@ bool is_always_written(const std::string &line) {
           "[VLK-API] Error wlan_associateVlan ", "error in ioctl ",
           "IEEE80211_IOCTL_DBGREQ: ", "Debug info: involve the need to up",
           "wlan_setBssBandSteer2gTempBlacklistClear cmd: ", "end wlan_ap_scan_1_svc",
-          "wlan_getApScanResult_2: Site Survey not complete : ", "end wlan_get_ap_scan_status_1_svc"})
+          "wlan_getApScanResult_2: Site Survey not complete : ", "[VLK-API] Error getWlanStftableInfo ",
+          "[VLK-API] Error wlan_queryWlanInfo ", "[VLK-API] Error wlan_getAdvAirtimeStatsCl_", "\t ATF IS DISABLED!!!",
+          "ioctl: ", "end wlan_get_ap_scan_status_1_svc"})
         if (line.starts_with(begin))
             return true;
     return false;
