@@ -5,6 +5,7 @@
 #include "lifecycle/requests.h"
 #include "params/rates.h"
 #include "params/security.h"
+#include "params/statistics.h"
 #include "params/tuning.h"
 #include "params/vap.h"
 #include "params/wmm.h"

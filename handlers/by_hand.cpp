@@ -70,6 +70,20 @@ bool_t wlan_get_ap_scan_status_1_svc(int index, wlan_config_result_data_t *resul
     return TRUE;
 }
 
+// Says who the station is, for those who follow one through the log. The texts are the driver's, which need not
+// terminate them.
+bool_t wlan_get_assoc_device_1_svc(int index, int device, wlan_config_result_data_t *result, svc_req *) {
+    log_debug("[VLK-API] %s  WLAN RPC server : [index %d][device %d]\n", __func__, index, device);
+    wlan_device_t station = {};
+    result->return_code = static_cast<wlan_config_return_code_e>(wlan_getAssocDevice(index, device, &station));
+    log_debug("[VLK-API] %s  WLAN RPC server : device MAC=%.*s IP=%.*s \n", __func__,
+              static_cast<int>(sizeof station.mac), station.mac, static_cast<int>(sizeof station.ip), station.ip);
+    pack_image(result, &station, sizeof station);
+    log_debug("[VLK-API] %s  WLAN RPC server : result->return_data.return_data_len = %d\n", __func__,
+              static_cast<int>(result->return_data.return_data_len));
+    return TRUE;
+}
+
 // The length in its last line has a blank behind it, unlike those of all other handlers: it is searched for like that.
 bool_t wlan_get_softblock_black_list_1_svc(int index, wlan_config_result_data_t *result, svc_req *) {
     log_debug("[VLK-API] %s  WLAN RPC server : [index %d]\n", __func__, index);

@@ -27,7 +27,7 @@ void record_step(const std::string &step);
 
 // What becomes of the steps while they are recorded.
 struct step_rules {
-    bool run_commands = true;    // else the shell is not asked: a popen reads nothing, a system returns 0
+    bool run_commands = true;    // else there is no shell: a popen reads nothing, a system returns 0
     bool wait_pauses = false;    // else a pause is over at once
     bool start_threads = false;  // else no thread comes, and its creator is told that it did
     std::string refused;         // steps that contain this fail: EMFILE, -1, EINTR (once a pause), EAGAIN
