@@ -106,16 +106,11 @@ void print_number(FILE *out, uint32_t number) {
 const char *handler_file(const procedure_row *row) {
     switch (row->kind) {
         case procedure_kind::PROCEDURE:
-        case procedure_kind::PENDING:
             return "handlers/regular.cpp";
         case procedure_kind::BY_HAND:
             return "handlers/by_hand.cpp";
     }
     return "";
-}
-
-static const char *not_offered_note(const procedure_row *row) {
-    return row->kind == procedure_kind::PENDING ? " (not offered yet)" : "";
 }
 
 static bool has_back_end(const procedure_row *row) {
@@ -125,7 +120,7 @@ static bool has_back_end(const procedure_row *row) {
 void print_operation_help(FILE *out, const procedure_row *row) {
     char name[OPERATION_NAME_SIZE];
     operation_name(row, name);
-    fprintf(out, "%s: %s%s\n\n", name, row->summary, not_offered_note(row));
+    fprintf(out, "%s: %s\n\n", name, row->summary);
     print_usage(out, row);
     for (size_t i = 0; i < row->argument_count; i++) {
         int width = fprintf(out, "  <%s>", row->arguments[i].name);
@@ -146,8 +141,7 @@ void print_operation_help(FILE *out, const procedure_row *row) {
 static void print_list_line(FILE *out, const procedure_row *row) {
     fputs("  ", out);
     int width = print_synopsis(out, row);
-    fprintf(out, "%*s  %s%s\n", width < SUMMARY_COLUMN ? SUMMARY_COLUMN - width : 0, "", row->summary,
-            not_offered_note(row));
+    fprintf(out, "%*s  %s\n", width < SUMMARY_COLUMN ? SUMMARY_COLUMN - width : 0, "", row->summary);
 }
 
 // The matching rows of a subject that begins with this row, under its heading. Rows of one subject do not stand

@@ -80,7 +80,6 @@ struct room_row {
 const procedure_row procedure_rows[] = {
 #define PROCEDURE(...) ROW(PROCEDURE, __VA_ARGS__)
 #define BY_HAND(...) ROW(BY_HAND, __VA_ARGS__)
-#define PENDING(...) ROW(PENDING, __VA_ARGS__)
 #include "server/procedures.def"
 };
 const size_t procedure_row_count = sizeof procedure_rows / sizeof *procedure_rows;

@@ -12,7 +12,7 @@ enum class argument_shape { NONE, BARE, RECORD, RECORD_NAMED, RECORD_OF };
 
 enum class result_kind { CODE, ACTION, INTEGERS, INTEGERS64, WORDS, STRING, LONG_STRING, IMAGE, COUNTED_IMAGE };
 
-enum class procedure_kind { PROCEDURE, BY_HAND, PENDING };
+enum class procedure_kind { PROCEDURE, BY_HAND };
 
 enum class output_kind { INT, UINT, BOOL };
 

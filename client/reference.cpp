@@ -23,8 +23,7 @@ static const char REFERENCE_HEAD[] =
     "  one mostly as a bare value, and `xdr_` and the record's name is the routine that encodes and decodes them;\n"
     "- the result is `wlan_config_return_code_e`, or `wlan_config_result_data_t` with the payload that is named.\n"
     "\n"
-    "An operation that is *not offered yet* has no back end: a call gets the unavailable-procedure error, as for the\n"
-    "numbers that are unassigned. Names are in `code` type; files are given from the root of the sources.\n"
+    "Names are in `code` type; files are given from the root of the sources.\n"
     "\n"
     "| number | procedure | operation | wrapper, handler | arguments | result | back end | summary |\n"
     "|---|---|---|---|---|---|---|---|\n";
@@ -89,7 +88,7 @@ static void print_reference_row(FILE *out, const procedure_row *row) {
     print_result_cell(out, &row->result);
     fputs(" | ", out);
     print_back_end_cell(out, row);
-    fprintf(out, " | %s%s |\n", row->summary, row->kind == procedure_kind::PENDING ? " (*not offered yet*)" : "");
+    fprintf(out, " | %s |\n", row->summary);
 }
 
 static void print_unassigned_row(FILE *out, const unassigned_range *range) {
@@ -181,7 +180,7 @@ static void print_upper(FILE *out, const char *name) {
 // A record of one member is the same on the wire as the bare value, so that is what it is declared as.
 static void print_interface_procedure(FILE *out, const procedure_row *row) {
     bool bare = row->result.kind == result_kind::CODE;
-    fprintf(out, "\n        /* %s%s", row->summary, row->kind == procedure_kind::PENDING ? " (not offered yet)" : "");
+    fprintf(out, "\n        /* %s", row->summary);
     if (!bare && row->result.kind != result_kind::ACTION) {
         fputs("; ", out);
         print_result_shape(out, &row->result);

@@ -123,10 +123,6 @@
 #define TEXT_OF_(...) #__VA_ARGS__
 
 #define BY_HAND(...)
-#define PENDING(number, procedure, arguments, result_kind, ...)                                                  \
-    bool_t procedure##_1_svc(MAP(PARAMETER_TYPE, ELEMENTS_##arguments) RESULT_TYPE_##result_kind *, svc_req *) { \
-        return FALSE; /* the dispatcher does not select it */                                                    \
-    }
 #define PROCEDURE(number, procedure, arguments, result_kind, room, back_end, summary)                                  \
     static_assert(std::is_same_v<decltype(back_end), BACK_END_TYPE(arguments, result_kind)>, #procedure                \
                   ": its row wants the back end " #back_end " to be " TEXT_OF(BACK_END_TYPE(arguments, result_kind))); \

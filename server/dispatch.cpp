@@ -61,7 +61,7 @@ static bool_t xdr_nothing(XDR *, void *) {
     return TRUE;
 }
 
-// The procedure behind a number, false for a number without one. Pending rows have no case: no back end, no procedure.
+// The procedure behind a number, false for a number without one.
 // case 22: *entry = {xdr_wlan_set_ssid_1_argument, xdr_wlan_config_return_code_e, _wlan_set_ssid_1}; return true;
 static bool select_procedure(u_int number, procedure_entry *entry) {
     switch (number) {
@@ -72,7 +72,6 @@ static bool select_procedure(u_int number, procedure_entry *entry) {
 #define DECODER_RECORD_OF DECODER_RECORD
 #define ENCODER(type) ENCODER_(type)
 #define ENCODER_(type) xdr_##type
-#define PENDING(...)
 #define PROCEDURE(number, procedure, arguments, result_kind, ...)                    \
     case number:                                                                     \
         *entry = {as_xdrproc(FOR_SHAPE(DECODER, procedure, arguments)),              \

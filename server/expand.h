@@ -1,6 +1,6 @@
 // How the rows of server/procedures.def are taken apart. Preprocessor only; no code comes from here.
 //
-// An expansion site defines PROCEDURE (and BY_HAND, PENDING, UNASSIGNED where they differ) and includes the table.
+// An expansion site defines PROCEDURE (and BY_HAND, UNASSIGNED where they differ) and includes the table.
 // It reaches into a row by pasting: `ELEMENTS_##arguments` turns RECORD(VAP(index), TEXT(ssid)) into the list
 // VAP(index), TEXT(ssid), and `WIRE_TYPE_##element` turns TEXT(ssid) into `char *`. None of the words VAP, TEXT,
 // RECORD ... is ever a macro itself, so that pasting works.

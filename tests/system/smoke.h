@@ -1,5 +1,5 @@
-// The smoke test of a row of the table: an offered procedure reaches its handler and answers with its kind of result, a
-// pending one does not exist, and cut arguments reach nobody. Each program that includes this instantiates it for its
+// The smoke test of a row of the table: it reaches its handler and answers with its kind of result, and cut arguments
+// reach nobody. Each program that includes this instantiates it for its
 // rows; together they have all of them.
 #pragma once
 
@@ -118,22 +118,17 @@ TEST_P(Procedures, AnswersAsItsRowSays) {
     const procedure_row &row = GetParam();
     size_t mark = mark_of(SERVER_LOG_FILE);
     call_reply reply = call(row.number, sample_arguments(row));
-    if (row.kind == procedure_kind::PENDING) {
-        EXPECT_EQ(reply.outcome, call_outcome::NO_PROCEDURE);
-        EXPECT_FALSE(handler_was_called(row.name, mark));
-        return;
-    }
     ASSERT_EQ(reply.outcome, call_outcome::SUCCESS);
     EXPECT_TRUE(handler_was_called(row.name, mark));
     expect_kind_of_result(row, reply);
 }
 
-// Every truncation of an offered procedure's arguments, each behind a whole call of the same procedure, whose bytes the
+// Every truncation of a procedure's arguments, each behind a whole call of the same procedure, whose bytes the
 // server's receive buffer then still holds.
 TEST_P(Procedures, RefusesTruncatedArgumentsWithoutCallingItsHandler) {
     const procedure_row &row = GetParam();
     bytes arguments = sample_arguments(row);
-    if (row.kind == procedure_kind::PENDING || arguments.empty())
+    if (arguments.empty())
         return;
     ASSERT_EQ(call(row.number, arguments).outcome, call_outcome::SUCCESS);
     size_t mark = mark_of(SERVER_LOG_FILE);

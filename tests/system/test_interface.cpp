@@ -39,10 +39,7 @@ TEST(Interface, GeneratedClientReachesAProcedureOfEveryArgumentShape) {
         const procedure_row *row = find_row(name);
         ASSERT_NE(row, nullptr) << line;
         shapes.insert(shape_of(*row));
-        if (row->kind == procedure_kind::PENDING)
-            EXPECT_NE(line.find("RPC: Procedure unavailable"), std::string::npos) << line;
-        else
-            EXPECT_TRUE(line.starts_with(name + " answered ")) << line;
+        EXPECT_TRUE(line.starts_with(name + " answered ")) << line;
     }
     std::set<std::string> all;
     for (size_t i = 0; i < procedure_row_count; i++)

@@ -899,25 +899,6 @@ TEST(ClientHelp, HelpNamesHandMadeHandlersAndMissingBackEnds) {
     EXPECT_NE(text.find("number 0x1000033\n"), std::string::npos) << text;
 }
 
-TEST(ClientHelp, OperationsWithoutABackEndAreMarkedWhereverTheyAreShown) {
-    for (size_t i = 0; i < procedure_row_count; i++) {
-        const procedure_row *row = &procedure_rows[i];
-        bool pending = row->kind == procedure_kind::PENDING;
-        EXPECT_EQ(run({"help", row->name}).out.find("(not offered yet)") != std::string::npos, pending) << row->name;
-    }
-    std::string list = run({"list"}).out, reference = run({"reference"}).out;
-    auto is_pending = [](const procedure_row &row) { return row.kind == procedure_kind::PENDING; };
-    auto pending = std::count_if(procedure_rows, procedure_rows + procedure_row_count, is_pending);
-    auto count = [](const std::string &text, const std::string &part) {
-        long found = 0;
-        for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size())
-            found++;
-        return found;
-    };
-    EXPECT_EQ(count(list, "(not offered yet)\n"), pending);
-    EXPECT_EQ(count(reference, "(*not offered yet*) |\n"), pending);
-}
-
 TEST(ClientHelp, HelpOfTheProgramTellsTheExitStatuses) {
     for (const std::vector<std::string> &words : {std::vector<std::string>{"--help"}, {"help"}}) {
         run_outcome outcome = run(words);

@@ -58,16 +58,6 @@ TEST(Dispatch, DatagramLargerThanTheReceiveBufferIsRefused) {
     EXPECT_EQ(serve(header_of(PROC_wlan_get_bssid_port) + text).outcome, call_outcome::DECODE_ERROR);
 }
 
-TEST(Dispatch, PendingProceduresAreUnavailableWhateverTheirArguments) {
-    for (size_t i = 0; i < procedure_row_count; i++) {
-        if (procedure_rows[i].kind != procedure_kind::PENDING)
-            continue;
-        bytes header = header_of(procedure_rows[i].number);
-        EXPECT_EQ(serve(header).outcome, call_outcome::NO_PROCEDURE) << procedure_rows[i].name;
-        EXPECT_EQ(serve(header + bytes(40, '\0')).outcome, call_outcome::NO_PROCEDURE) << procedure_rows[i].name;
-    }
-}
-
 // Stamp, machine name, user, group and no further groups, as UNIX clients send them.
 TEST(Dispatch, CallWithSystemCredentialsIsServed) {
     bytes credentials = xdr_word(1) + xdr_string_bytes("page") + xdr_word(1000) + xdr_word(1000) + xdr_word(0);
