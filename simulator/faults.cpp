@@ -54,6 +54,14 @@ int fault_errno(const char *name) {
     return number != 0 ? number : EIO;
 }
 
+bool fault_number(const char *name, int64_t *number) {
+    char value[FAULT_VALUE_SIZE];
+    if (!fault_get(name, value, sizeof value))
+        return false;
+    *number = strtoll(value, nullptr, 10);
+    return true;
+}
+
 bool fault_slowness(const char *value, double *seconds) {
     if (strncmp(value, "slow ", 5) != 0 || !isdigit((unsigned char)value[5]))
         return false;
@@ -64,6 +72,10 @@ bool fault_slowness(const char *value, double *seconds) {
 
 void ioctl_fault_name(unsigned long request, char *name, size_t size) {
     snprintf(name, size, "ioctl:0x%lx", request);
+}
+
+void ioctl_part_fault_name(unsigned long request, unsigned part, char *name, size_t size) {
+    snprintf(name, size, "ioctl:0x%lx.%u", request, part);
 }
 
 int fault_set(const char *name, const char *value) {

@@ -106,13 +106,17 @@ void journal_run(const char *tool, int argument_count, char *const *arguments) {
     end_line(&line);
 }
 
-void journal_ioctl(const char *interface, unsigned long request, unsigned length, int result, int error) {
+void journal_ioctl(const char *interface, unsigned long request, unsigned command, unsigned length, int result,
+                   int error) {
     journal_line line;
     if (!begin_line(&line))
         return;
     fputs("ioctl ", line.stream);
     append_text(line.stream, interface);
-    fprintf(line.stream, " 0x%lx %u = %d", request, length, result);
+    fprintf(line.stream, " 0x%lx", request);
+    if (command != 0)
+        fprintf(line.stream, ".%u", command);
+    fprintf(line.stream, " %u = %d", length, result);
     if (error != 0) {
         const char *name = strerrorname_np(error);
         fprintf(line.stream, " %s", name != nullptr ? name : "unknown");

@@ -17,8 +17,10 @@ void journal_shell(const char *door, const char *command);
 // quotes, with \" for a quote inside.
 void journal_run(const char *tool, int argument_count, char *const *arguments);
 
-// "ioctl athN 0x8be7 5104 = 0", or "= -1 ENODEV" when error is not 0.
-void journal_ioctl(const char *interface, unsigned long request, unsigned length, int result, int error);
+// "ioctl athN 0x8be7 5104 = 0", or "= -1 ENODEV" when error is not 0. A command that is not 0 stands behind the
+// request: "0x89fc.41".
+void journal_ioctl(const char *interface, unsigned long request, unsigned command, unsigned length, int result,
+                   int error);
 
 // "datagram NAME TEXT": a daemon received a datagram, `have` bytes of `length`; what is cut has " of LENGTH bytes"
 // behind it. The text is quoted like an argument; the NUL that ends it is not shown, and where there is none it is said

@@ -9,6 +9,8 @@ constexpr const char GATEWAY_JOURNAL[] = "/run/gateway/journal";
 constexpr const char GATEWAY_DRIVER_STATE[] = "/run/gateway/driver";
 // What the driver's private commands have set, lines KEY=VALUE.
 constexpr const char GATEWAY_PARAMETERS[] = "/run/gateway/parameters";
+// What the radios' scans have found, in front of the radio's number.
+constexpr const char GATEWAY_SCANS[] = "/run/gateway/scan.wifi";
 constexpr const char GATEWAY_DRIVER_LOCK[] = "/run/gateway/driver.lock";
 // One file a fault, named after it, holding its value.
 constexpr const char GATEWAY_FAULTS[] = "/run/gateway/faults";

@@ -7,6 +7,7 @@
 #include "simulator/board.h"
 #include "simulator/driver/driver_parameters.h"
 #include "simulator/driver/driver_start.h"
+#include "simulator/driver/scans.h"
 #include "simulator/store.h"
 
 // A change of the driver's state, and what it needs.
@@ -145,6 +146,7 @@ int driver_stop_vap(int vap) {
 static int remove_driver(driver_state *state, const change *) {
     *state = {};
     driver_parameters_forget();
+    scans_forget();
     return 0;
 }
 

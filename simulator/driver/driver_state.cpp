@@ -17,7 +17,7 @@ double driver_clock(void) {
 static void read_state_line(driver_state *state, const char *line) {
     int number;
     unsigned channel;
-    double time;
+    double time, end;
     if (strcmp(line, "loaded\n") == 0)
         state->loaded = true;
     else if (sscanf(line, "absent wifi%d", &number) == 1 && number >= 0 && number < SCENARIO_RADIOS)
@@ -29,6 +29,8 @@ static void read_state_line(driver_state *state, const char *line) {
     else if (sscanf(line, "switch wifi%d %u %lf", &number, &channel, &time) == 3 && number >= 0 &&
              number < SCENARIO_RADIOS)
         state->announced[number] = {channel, time};
+    else if (sscanf(line, "scan wifi%d %lf %lf", &number, &time, &end) == 3 && number >= 0 && number < SCENARIO_RADIOS)
+        state->scans[number] = {true, time, end};
 }
 
 void driver_state_read(driver_state *state) {
@@ -61,6 +63,8 @@ int driver_state_write(const driver_state *state) {
             fprintf(file, "channel wifi%d %u\n", i, state->channel[i]);
         if (state->announced[i].channel != 0)
             fprintf(file, "switch wifi%d %u %.6f\n", i, state->announced[i].channel, state->announced[i].at);
+        if (state->scans[i].begun)
+            fprintf(file, "scan wifi%d %.6f %.6f\n", i, state->scans[i].since, state->scans[i].until);
     }
     if (fclose(file) != 0)
         return -1;

@@ -1,5 +1,5 @@
 // What the simulated driver remembers: whether it is loaded, which VAPs are up, which channel was chosen or announced
-// for a radio. What its private commands set is kept elsewhere, in driver_parameters.
+// for a radio, when a radio was scanned. What its private commands set is kept elsewhere, in driver_parameters.
 //
 // Touches /run/gateway/driver (text, readable in a shell) and the lock beside it. Written by the tools and scripts,
 // read by them and by the preloaded library in any thread of the server.
@@ -18,15 +18,22 @@ struct driver_switch {
     double at;         // on the boot clock, when the radio moves
 };
 
+// The last scan of a radio for its neighbours. What it finds is kept elsewhere (scans).
+struct driver_scan {
+    bool begun;           // there was one
+    double since, until;  // on the boot clock
+};
+
 struct driver_state {
     bool loaded;
     bool absent[SCENARIO_RADIOS];  // not found on the bus when the driver looked
     driver_vap vaps[SCENARIO_VAPS];
     unsigned channel[SCENARIO_RADIOS];  // chosen by hand, 0 when the store says it
     driver_switch announced[SCENARIO_RADIOS];
+    driver_scan scans[SCENARIO_RADIOS];
 };
 
-// Seconds on the clock that `since` and `at` use.
+// Seconds on the clock that `since`, `until` and `at` use.
 double driver_clock(void);
 
 // Reads the state; without a file nothing is loaded.

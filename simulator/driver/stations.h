@@ -5,6 +5,9 @@
 
 #include "simulator/driver/driver_state.h"
 
+// As many as the driver tells of a VAP, which counts them in seven bits.
+constexpr int STATIONS_TOLD = 127;
+
 // Whether a station is associated at this time (driver_clock).
 bool station_is_there(const scenario_station *station, const driver_state *state, double now);
 

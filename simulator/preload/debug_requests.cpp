@@ -104,7 +104,7 @@ static int read_black_list(const char *interface, const debug_request *request) 
     return move_bytes(&told, place(request, 0), sizeof told);
 }
 
-int answer_debug_request(const char *interface, iwreq *request) {
+int answer_debug_request(const char *interface, iwreq *request, int *) {
     debug_request asked;
     if (request->u.data.length != sizeof asked)
         return EINVAL;

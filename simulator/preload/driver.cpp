@@ -70,28 +70,43 @@ constexpr unsigned ANY_LENGTH = UINT_MAX;
 struct simulated_request {
     unsigned long number;
     unsigned length;  // of its data, which tells the driver's own requests apart
-    int (*answer)(const char *interface, iwreq *request);
+    int (*answer)(const char *interface, iwreq *request, int *result);
 };
 
 static const simulated_request simulated_requests[] = {
-    {REQUEST_CHANNEL_TABLE, ANY_LENGTH, answer_channel_table},
-    {SIOCGIWESSID, ANY_LENGTH, answer_essid},
-    {REQUEST_DEBUG, ANY_LENGTH, answer_debug_request},
+    {REQUEST_CHANNEL_TABLE, ANY_LENGTH, answer_channel_table}, {SIOCGIWESSID, ANY_LENGTH, answer_essid},
+    {REQUEST_DEBUG, ANY_LENGTH, answer_debug_request},         {SIOCSIWSCAN, ANY_LENGTH, answer_scan},
+    {REQUEST_DRIVER, ANY_LENGTH, answer_driver_command},  // or who refuses what has no row of its own
 };
 
+// The row of a request's own length comes before that of any length.
 static const simulated_request *find_request(unsigned long number, unsigned length) {
+    const simulated_request *found = nullptr;
     for (const simulated_request &candidate : simulated_requests) {
-        if (candidate.number == number && (candidate.length == ANY_LENGTH || candidate.length == length))
+        if (candidate.number != number)
+            continue;
+        if (candidate.length == length)
             return &candidate;
+        if (candidate.length == ANY_LENGTH)
+            found = &candidate;
     }
-    return nullptr;
+    return found;
 }
 
-// The error number of a request that fails before it is looked at: by a fault, or because the interface is not there.
-static int refusal(const char *name, unsigned long number) {
+// The error number of the faults of a request: of its number and, among the driver's own, of its command or length.
+static int faulty(unsigned long number, unsigned part) {
     char fault[FAULT_NAME_SIZE];
     ioctl_fault_name(number, fault, sizeof fault);
     int reason = fault_errno(fault);
+    if (reason != 0 || number != REQUEST_DRIVER)
+        return reason;
+    ioctl_part_fault_name(number, part, fault, sizeof fault);
+    return fault_errno(fault);
+}
+
+// The error number of a request that fails before it is looked at: by a fault, or because the interface is not there.
+static int refusal(const char *name, unsigned long number, unsigned part) {
+    int reason = faulty(number, part);
     if (reason != 0)
         return reason;
     driver_state state;
@@ -105,17 +120,18 @@ static int driver_ioctl(int file, unsigned long number, iwreq *request) {
     snprintf(name, sizeof name, "%.*s", IFNAMSIZ, request->ifr_name);
     unsigned length = request->u.data.length;
     const simulated_request *simulated = find_request(number, length);
+    unsigned command = number == REQUEST_DRIVER ? driver_command_number(request) : 0;
     int result = 0;
-    int reason = refusal(name, number);
+    int reason = refusal(name, number, command != 0 ? command : length);
     if (reason == 0 && simulated != nullptr) {
-        reason = simulated->answer(name, request);
+        reason = simulated->answer(name, request, &result);
     } else if (reason == 0) {
         result = ((ioctl_function)next_function("ioctl"))(file, number, request);
         reason = result < 0 ? errno : 0;
     }
     if (reason != 0)
         result = -1;
-    journal_ioctl(name, number, length, result, reason);
+    journal_ioctl(name, number, command, length, result, reason);
     if (reason != 0)
         errno = reason;
     return result;

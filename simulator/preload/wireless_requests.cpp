@@ -37,7 +37,7 @@ static void fill_table(const scenario_radio *radio, channel_table *table) {
     }
 }
 
-int answer_channel_table(const char *interface, iwreq *request) {
+int answer_channel_table(const char *interface, iwreq *request, int *) {
     char error[SCENARIO_ERROR_SIZE];
     if (request->u.data.pointer == nullptr)
         return EFAULT;
@@ -52,7 +52,7 @@ int answer_channel_table(const char *interface, iwreq *request) {
     return 0;
 }
 
-int answer_essid(const char *interface, iwreq *request) {
+int answer_essid(const char *interface, iwreq *request, int *) {
     int vap = vap_of_interface(interface);
     if (vap < 0)
         return EOPNOTSUPP;

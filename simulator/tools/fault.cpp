@@ -11,10 +11,78 @@
 #include "simulator/faults.h"
 #include "simulator/internal_address.h"
 #include "simulator/paths.h"
+#include "simulator/preload/requests.h"
 #include "simulator/tools/tools.h"
 
+// The value of the fault of the driver's texts.
+constexpr const char UNTERMINATED[] = "unterminated";
+
 // What a fault of this name may be set to.
-enum fault_kind { FAULT_UNKNOWN, FAULT_TOOL, FAULT_DAEMON, FAULT_ERRNO, FAULT_COUNT, FAULT_ADDRESS };
+enum fault_kind { FAULT_UNKNOWN, FAULT_TOOL, FAULT_DAEMON, FAULT_ERRNO, FAULT_NUMBER, FAULT_TEXTS, FAULT_ADDRESS };
+
+// A fault that is a number: which ones it may be, and which one it is when nobody says it.
+struct number_fault {
+    const char *name;
+    int64_t least, most;
+    const char *usual;
+};
+
+// Counts are words of 32 bits, which their reader may take for numbers with a sign. The usual ones are: more networks
+// than a byte can say, as many stations as can be told, as many entries as a byte can say, a scan that does not end. A
+// negative status would be a failure, which has a fault of its own.
+static const number_fault number_faults[] = {
+    {BLACKLIST_FAULT, 0, UINT32_MAX, "4294967295"},
+    {SCAN_COUNT_FAULT, INT32_MIN, UINT32_MAX, "300"},
+    {STATION_COUNT_FAULT, INT32_MIN, UINT32_MAX, "127"},
+    {TABLE_COUNT_FAULT, INT32_MIN, UINT32_MAX, "255"},
+    {SCAN_STATUS_FAULT, 0, INT32_MAX, "1"},
+};
+
+static const number_fault *find_number_fault(const char *name) {
+    for (const number_fault &candidate : number_faults) {
+        if (strcmp(candidate.name, name) == 0)
+            return &candidate;
+    }
+    return nullptr;
+}
+
+// What tells the driver's own requests apart: their command, or the length of data that is no command, which is that of
+// a station's airtime or of the airtime table.
+static const unsigned driver_request_parts[] = {COMMAND_SCAN_STATUS,
+                                                COMMAND_SCAN_COUNT,
+                                                COMMAND_SCAN_RESULTS,
+                                                COMMAND_STATION_COUNT,
+                                                COMMAND_STATION_TABLE,
+                                                36,
+                                                5824};
+
+static bool is_driver_request_part(unsigned long number) {
+    for (unsigned part : driver_request_parts) {
+        if (part == number)
+            return true;
+    }
+    return false;
+}
+
+// "ioctl:0x8be7" and "ioctl:0x89fc.41", rewritten in their one spelling.
+static fault_kind kind_of_ioctl(char *name, size_t size) {
+    char *end;
+    errno = 0;
+    unsigned long request = strtoul(name + 6, &end, 0);
+    if (errno != 0 || request > 0xFFFFFFFF)
+        return FAULT_UNKNOWN;
+    if (*end == '\0') {
+        ioctl_fault_name(request, name, size);
+        return FAULT_ERRNO;
+    }
+    if (request != REQUEST_DRIVER || *end != '.' || !isdigit((unsigned char)end[1]))
+        return FAULT_UNKNOWN;
+    unsigned long part = strtoul(end + 1, &end, 10);
+    if (*end != '\0' || !is_driver_request_part(part))
+        return FAULT_UNKNOWN;
+    ioctl_part_fault_name(request, (unsigned)part, name, size);
+    return FAULT_ERRNO;
+}
 
 // The kind of a fault; an ioctl's name is rewritten in its one spelling.
 static fault_kind kind_of(char *name, size_t size) {
@@ -22,17 +90,12 @@ static fault_kind kind_of(char *name, size_t size) {
         return FAULT_ERRNO;
     if (strcmp(name, "address") == 0)
         return FAULT_ADDRESS;
-    if (strcmp(name, BLACKLIST_FAULT) == 0)
-        return FAULT_COUNT;
-    if (strncmp(name, "ioctl:", 6) == 0 && isdigit((unsigned char)name[6])) {
-        char *end;
-        errno = 0;
-        unsigned long request = strtoul(name + 6, &end, 0);
-        if (errno != 0 || *end != '\0' || request > 0xFFFFFFFF)
-            return FAULT_UNKNOWN;
-        ioctl_fault_name(request, name, size);
-        return FAULT_ERRNO;
-    }
+    if (strcmp(name, TEXTS_FAULT) == 0)
+        return FAULT_TEXTS;
+    if (find_number_fault(name) != nullptr)
+        return FAULT_NUMBER;
+    if (strncmp(name, "ioctl:", 6) == 0 && isdigit((unsigned char)name[6]))
+        return kind_of_ioctl(name, size);
     // This tool itself always works, or a fault could not be taken back.
     const tool *named = strcmp(name, "fault") != 0 ? find_tool(name) : nullptr;
     if (named == nullptr)
@@ -46,12 +109,13 @@ static bool is_tool_fault(const char *value) {
            strcmp(value, "missing") == 0 || strcmp(value, "hang") == 0 || fault_slowness(value, &seconds);
 }
 
-// A number that fits the 32-bit word in which the driver says it.
-static bool is_count(const char *value) {
+static bool is_number(const number_fault *fault, const char *value) {
     char *end;
     errno = 0;
-    unsigned long number = strtoul(value, &end, 10);
-    return isdigit((unsigned char)value[0]) && *end == '\0' && errno == 0 && number <= 0xFFFFFFFF;
+    int64_t number = strtoll(value, &end, 10);
+    const char *digits = value[0] == '-' ? value + 1 : value;
+    return isdigit((unsigned char)digits[0]) && *end == '\0' && errno == 0 && number >= fault->least &&
+           number <= fault->most;
 }
 
 static int complain(const char *what) {
@@ -77,8 +141,10 @@ static bool is_value(fault_kind kind, const char *name, const char *value) {
             return is_tool_fault(value);
         case FAULT_DAEMON:
             return daemon_is_absent(value) || daemon_fault_parse(value, find_tool(name)->answer_size, &fault);
-        case FAULT_COUNT:
-            return is_count(value);
+        case FAULT_NUMBER:
+            return is_number(find_number_fault(name), value);
+        case FAULT_TEXTS:
+            return strcmp(value, UNTERMINATED) == 0;
         case FAULT_ERRNO:
             return errno_by_name(value) != 0;
         case FAULT_ADDRESS:
@@ -149,7 +215,10 @@ static const char *shortest_value(const char *name) {
         return "fail";
     if (strcmp(name, "address") == 0)
         return "missing";
-    return strcmp(name, BLACKLIST_FAULT) == 0 ? "4294967295" : "EIO";
+    if (strcmp(name, TEXTS_FAULT) == 0)
+        return UNTERMINATED;
+    const number_fault *number = find_number_fault(name);
+    return number != nullptr ? number->usual : "EIO";
 }
 
 int tool_fault(int argument_count, char *const *arguments) {

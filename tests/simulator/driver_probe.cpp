@@ -92,16 +92,18 @@ static void read_option(debug_call *call, const char *word) {
 
 constexpr size_t DEBUG_BUFFER_SIZE = 4096;
 
-static unsigned char *low_memory(void) {
-    // Three pages somewhere below 4 GiB, of which only the middle one stays.
+constexpr size_t PAGE_SIZE = 4096;
+
+// Whole pages at 0x20001000, with a page on either side that is nobody's.
+static unsigned char *low_memory(size_t size) {
     void *place = reinterpret_cast<void *>(0x20000000);
-    auto *pages = static_cast<unsigned char *>(mmap(place, 3 * DEBUG_BUFFER_SIZE, PROT_READ | PROT_WRITE,
+    auto *pages = static_cast<unsigned char *>(mmap(place, size + 2 * PAGE_SIZE, PROT_READ | PROT_WRITE,
                                                     MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0));
     if (pages == MAP_FAILED)
         return nullptr;
-    munmap(pages, DEBUG_BUFFER_SIZE);
-    munmap(pages + 2 * DEBUG_BUFFER_SIZE, DEBUG_BUFFER_SIZE);
-    return pages + DEBUG_BUFFER_SIZE;
+    munmap(pages, PAGE_SIZE);
+    munmap(pages + PAGE_SIZE + size, PAGE_SIZE);
+    return pages + PAGE_SIZE;
 }
 
 static void put_word(unsigned char *to, unsigned long value) {
@@ -124,7 +126,7 @@ static int print_debug_request(int file, const char *interface, int count, char 
     debug_call call = {87, 32, 0xEEEEEEEE, 0xEEEEEEEE, sizeof asked, 0, 0, DEBUG_BUFFER_SIZE};
     for (int i = 0; i < count; i++)
         read_option(&call, words[i]);
-    unsigned char *page = low_memory();
+    unsigned char *page = low_memory(DEBUG_BUFFER_SIZE);
     if (page == nullptr)
         return 3;
     unsigned char *buffer = page + DEBUG_BUFFER_SIZE - call.room;
@@ -141,6 +143,61 @@ static int print_debug_request(int file, const char *interface, int count, char 
     request.u.data.length = static_cast<uint16_t>(call.length);
     int result = ioctl(file, 0x8BF8, &request);
     return print_buffer(result, buffer, call.room);
+}
+
+// A command of the driver's own, as the library takes it, with a buffer below 4 GiB that is full of 0xEE and ends where
+// its memory does. What is not said is as the server would have it.
+struct driver_call {
+    unsigned long command, value;
+    unsigned long length;   // of the request
+    unsigned long pointer;  // to the request
+    unsigned long address;  // in the request
+    unsigned long room;     // from the address to the end of the buffer
+    unsigned long record;   // so many bytes stand on a line
+};
+
+static void read_option(driver_call *call, const char *word) {
+    struct {
+        const char *name;
+        unsigned long *value;
+    } const options[] = {{"command=", &call->command}, {"value=", &call->value},     {"length=", &call->length},
+                         {"pointer=", &call->pointer}, {"address=", &call->address}, {"room=", &call->room},
+                         {"record=", &call->record}};
+    for (const auto &option : options) {
+        if (strncmp(word, option.name, strlen(option.name)) == 0)
+            *option.value = strtoul(word + strlen(option.name), nullptr, 0);
+    }
+}
+
+// Room for a thousand networks.
+constexpr size_t DRIVER_BUFFER_SIZE = 32 * PAGE_SIZE;
+
+// The result; the command's three words; the buffer, a record a line, as far as it is not 0xEE any more.
+static int print_driver_command(int file, const char *interface, int count, char **words) {
+    driver_call call = {0, 0, 12, 0, 0, DRIVER_BUFFER_SIZE, 128};
+    for (int i = 0; i < count; i++)
+        read_option(&call, words[i]);
+    unsigned char *memory = low_memory(DRIVER_BUFFER_SIZE);
+    if (memory == nullptr || call.room > DRIVER_BUFFER_SIZE || call.record == 0)
+        return 3;
+    memset(memory, 0xEE, DRIVER_BUFFER_SIZE);
+    unsigned char *buffer = memory + DRIVER_BUFFER_SIZE - call.room;
+    uint32_t asked[3] = {static_cast<uint32_t>(call.command), static_cast<uint32_t>(call.value),
+                         static_cast<uint32_t>(reinterpret_cast<uintptr_t>(buffer))};
+    if (call.address != 0)
+        asked[2] = static_cast<uint32_t>(call.address);
+    uint32_t address = asked[2];
+    iwreq request = request_for(interface);
+    request.u.data.pointer = call.pointer != 0 ? reinterpret_cast<void *>(call.pointer) : asked;
+    request.u.data.length = static_cast<uint16_t>(call.length);
+    report(ioctl(file, 0x89FC, &request));
+    printf("%u %u %s\n", asked[0], asked[1], asked[2] == address ? "kept" : "changed");
+    size_t size = call.room;
+    while (size > 0 && buffer[size - 1] == 0xEE)
+        size--;
+    for (size_t i = 0; i < size; i++)
+        printf("%02x%s", buffer[i], (i + 1) % call.record == 0 || i + 1 == size ? "\n" : "");
+    return 0;
 }
 
 // What syslog() is called by in programs that were built with checks.
@@ -211,6 +268,8 @@ int main(int argument_count, char **arguments) {
         return in_worker(popen_and_wait, operand);
     if (strcmp(what, "debug") == 0)
         return print_debug_request(file, operand, argument_count - 3, arguments + 3);
+    if (strcmp(what, "driver") == 0)
+        return print_driver_command(file, operand, argument_count - 3, arguments + 3);
     if (strcmp(what, "syslog") == 0 || strcmp(what, "syslog-checked") == 0)
         return log_line(operand, strcmp(what, "syslog-checked") == 0);
     if (strcmp(what, "syslog-worker") == 0)
