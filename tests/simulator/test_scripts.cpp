@@ -51,8 +51,9 @@ bool insmod_runs() {
     return !run_shell("ps | grep insmod | grep -v grep").output.empty();
 }
 
+// Those that run, or wait; one that has ended and was not collected yet does not count.
 size_t hostapd_count() {
-    std::string pids = run({"pgrep", "-x", "hostapd"}).output;
+    std::string pids = run({"pgrep", "-r", "R,S,D", "-x", "hostapd"}).output;
     return static_cast<size_t>(std::count(pids.begin(), pids.end(), '\n'));
 }
 
