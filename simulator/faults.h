@@ -25,6 +25,11 @@ constexpr const char TABLE_COUNT_FAULT[] = "table_count";
 // The fault that makes the driver give its value for the state of a scan.
 constexpr const char SCAN_STATUS_FAULT[] = "scan_status";
 
+// The faults of the airtime table: the number of entries that the driver tells, whatever there are, and a table that is
+// as full as it can be.
+constexpr const char AIRTIME_COUNT_FAULT[] = "airtime_count";
+constexpr const char AIRTIME_FULL_FAULT[] = "airtime_full";
+
 // The fault with which no text in the driver's records has its NUL; its only value is "unterminated".
 constexpr const char TEXTS_FAULT[] = "texts";
 

@@ -1,5 +1,7 @@
 #include "simulator/driver/stations.h"
 
+#include <string.h>
+
 double station_seconds(const scenario_station *station, const driver_state *state, double now) {
     return now - state->vaps[station->vap - 1].since - station->from;
 }
@@ -23,4 +25,16 @@ int stations_of_vap(const scenario *scene, const driver_state *state, int vap, d
         count++;
     }
     return count;
+}
+
+const scenario_station *station_of_vap(const scenario *scene, const driver_state *state, int vap, double now,
+                                       const uint8_t *mac) {
+    for (int i = 0; i < scene->station_count; i++) {
+        const scenario_station *station = &scene->stations[i];
+        uint8_t octets[6];
+        mac_octets(station->mac, octets);
+        if (station->vap - 1 == vap && memcmp(octets, mac, sizeof octets) == 0 && station_is_there(station, state, now))
+            return station;
+    }
+    return nullptr;
 }

@@ -18,3 +18,7 @@ double station_seconds(const scenario_station *station, const driver_state *stat
 // there are, which may be more.
 int stations_of_vap(const scenario *scene, const driver_state *state, int vap, double now,
                     const scenario_station **stations, int size);
+
+// The station of a VAP that has this address (6 octets), null when it is not there.
+const scenario_station *station_of_vap(const scenario *scene, const driver_state *state, int vap, double now,
+                                       const uint8_t *mac);

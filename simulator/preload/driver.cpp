@@ -74,9 +74,13 @@ struct simulated_request {
 };
 
 static const simulated_request simulated_requests[] = {
-    {REQUEST_CHANNEL_TABLE, ANY_LENGTH, answer_channel_table}, {SIOCGIWESSID, ANY_LENGTH, answer_essid},
-    {REQUEST_DEBUG, ANY_LENGTH, answer_debug_request},         {SIOCSIWSCAN, ANY_LENGTH, answer_scan},
-    {REQUEST_DRIVER, ANY_LENGTH, answer_driver_command},  // or who refuses what has no row of its own
+    {REQUEST_CHANNEL_TABLE, ANY_LENGTH, answer_channel_table},
+    {SIOCGIWESSID, ANY_LENGTH, answer_essid},
+    {REQUEST_DEBUG, ANY_LENGTH, answer_debug_request},
+    {SIOCSIWSCAN, ANY_LENGTH, answer_scan},
+    {REQUEST_DRIVER, AIRTIME_TABLE_LENGTH, answer_airtime_table},
+    {REQUEST_DRIVER, STATION_AIRTIME_LENGTH, answer_station_airtime},
+    {REQUEST_DRIVER, ANY_LENGTH, answer_driver_command},
 };
 
 // The row of a request's own length comes before that of any length.

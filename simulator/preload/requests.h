@@ -20,6 +20,10 @@ static_assert(REQUEST_DEBUG == 0x8BF8);
 constexpr unsigned long REQUEST_DRIVER = SIOCDEVPRIVATE + 12;
 static_assert(REQUEST_DRIVER == 0x89FC);
 
+// The lengths that are no command's.
+constexpr unsigned AIRTIME_TABLE_LENGTH = 5824;
+constexpr unsigned STATION_AIRTIME_LENGTH = 36;
+
 enum driver_command : uint32_t {
     COMMAND_SCAN_STATUS = 38,    // what the request returns
     COMMAND_SCAN_COUNT = 39,     // how many networks there are
@@ -48,3 +52,7 @@ uint32_t driver_command_number(const iwreq *request);
 
 // The state of the last scan of a VAP's radio as the result; 0 or an error number.
 int answer_scan_status(int vap, int *result);
+
+// How the airtime of the interface's radio is shared out, and what a station of the interface has had of it.
+int answer_airtime_table(const char *interface, iwreq *request, int *result);
+int answer_station_airtime(const char *interface, iwreq *request, int *result);

@@ -2,6 +2,7 @@
 #include <ctype.h>
 #include <dirent.h>
 #include <errno.h>
+#include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -12,13 +13,29 @@
 #include "simulator/internal_address.h"
 #include "simulator/paths.h"
 #include "simulator/preload/requests.h"
+#include "simulator/tools/markers.h"
 #include "simulator/tools/tools.h"
 
-// The value of the fault of the driver's texts.
-constexpr const char UNTERMINATED[] = "unterminated";
-
 // What a fault of this name may be set to.
-enum fault_kind { FAULT_UNKNOWN, FAULT_TOOL, FAULT_DAEMON, FAULT_ERRNO, FAULT_NUMBER, FAULT_TEXTS, FAULT_ADDRESS };
+enum fault_kind { FAULT_UNKNOWN, FAULT_TOOL, FAULT_DAEMON, FAULT_ERRNO, FAULT_NUMBER, FAULT_WORD, FAULT_ADDRESS };
+
+// A fault that has one value only.
+struct word_fault {
+    const char *name, *value;
+};
+
+static const word_fault word_faults[] = {
+    {TEXTS_FAULT, "unterminated"},
+    {AIRTIME_FULL_FAULT, "on"},
+};
+
+static const word_fault *find_word_fault(const char *name) {
+    for (const word_fault &candidate : word_faults) {
+        if (strcmp(candidate.name, name) == 0)
+            return &candidate;
+    }
+    return nullptr;
+}
 
 // A fault that is a number: which ones it may be, and which one it is when nobody says it.
 struct number_fault {
@@ -27,15 +44,16 @@ struct number_fault {
     const char *usual;
 };
 
-// Counts are words of 32 bits, which their reader may take for numbers with a sign. The usual ones are: more networks
-// than a byte can say, as many stations as can be told, as many entries as a byte can say, a scan that does not end. A
-// negative status would be a failure, which has a fault of its own.
+// Counts are words of 32 bits, that of an airtime table of 16, which their reader may take for numbers with a sign. The
+// usual ones are: more networks than a byte can say, as many stations as can be told, as many entries as a byte can
+// say, a scan that does not end. A negative status would be a failure, which has a fault of its own.
 static const number_fault number_faults[] = {
     {BLACKLIST_FAULT, 0, UINT32_MAX, "4294967295"},
     {SCAN_COUNT_FAULT, INT32_MIN, UINT32_MAX, "300"},
     {STATION_COUNT_FAULT, INT32_MIN, UINT32_MAX, "127"},
     {TABLE_COUNT_FAULT, INT32_MIN, UINT32_MAX, "255"},
     {SCAN_STATUS_FAULT, 0, INT32_MAX, "1"},
+    {AIRTIME_COUNT_FAULT, INT16_MIN, UINT16_MAX, "65535"},
 };
 
 static const number_fault *find_number_fault(const char *name) {
@@ -46,15 +64,10 @@ static const number_fault *find_number_fault(const char *name) {
     return nullptr;
 }
 
-// What tells the driver's own requests apart: their command, or the length of data that is no command, which is that of
-// a station's airtime or of the airtime table.
-static const unsigned driver_request_parts[] = {COMMAND_SCAN_STATUS,
-                                                COMMAND_SCAN_COUNT,
-                                                COMMAND_SCAN_RESULTS,
-                                                COMMAND_STATION_COUNT,
-                                                COMMAND_STATION_TABLE,
-                                                36,
-                                                5824};
+// What tells the driver's own requests apart: their command, or the length of data that is no command.
+static const unsigned driver_request_parts[] = {COMMAND_SCAN_STATUS,   COMMAND_SCAN_COUNT,    COMMAND_SCAN_RESULTS,
+                                                COMMAND_STATION_COUNT, COMMAND_STATION_TABLE, STATION_AIRTIME_LENGTH,
+                                                AIRTIME_TABLE_LENGTH};
 
 static bool is_driver_request_part(unsigned long number) {
     for (unsigned part : driver_request_parts) {
@@ -90,8 +103,8 @@ static fault_kind kind_of(char *name, size_t size) {
         return FAULT_ERRNO;
     if (strcmp(name, "address") == 0)
         return FAULT_ADDRESS;
-    if (strcmp(name, TEXTS_FAULT) == 0)
-        return FAULT_TEXTS;
+    if (find_word_fault(name) != nullptr)
+        return FAULT_WORD;
     if (find_number_fault(name) != nullptr)
         return FAULT_NUMBER;
     if (strncmp(name, "ioctl:", 6) == 0 && isdigit((unsigned char)name[6]))
@@ -103,10 +116,12 @@ static fault_kind kind_of(char *name, size_t size) {
     return named->answer_size > 0 ? FAULT_DAEMON : FAULT_TOOL;
 }
 
-static bool is_tool_fault(const char *value) {
+static bool is_tool_fault(const char *name, const char *value) {
     double seconds;
-    return strcmp(value, "silent") == 0 || strcmp(value, "fail") == 0 || strcmp(value, "garbage") == 0 ||
-           strcmp(value, "missing") == 0 || strcmp(value, "hang") == 0 || fault_slowness(value, &seconds);
+    int marker;
+    return is_marker_fault(name, value, &marker) || strcmp(value, "silent") == 0 || strcmp(value, "fail") == 0 ||
+           strcmp(value, "garbage") == 0 || strcmp(value, "missing") == 0 || strcmp(value, "hang") == 0 ||
+           fault_slowness(value, &seconds);
 }
 
 static bool is_number(const number_fault *fault, const char *value) {
@@ -138,13 +153,13 @@ static bool is_value(fault_kind kind, const char *name, const char *value) {
     daemon_fault fault;
     switch (kind) {
         case FAULT_TOOL:
-            return is_tool_fault(value);
+            return is_tool_fault(name, value);
         case FAULT_DAEMON:
             return daemon_is_absent(value) || daemon_fault_parse(value, find_tool(name)->answer_size, &fault);
         case FAULT_NUMBER:
             return is_number(find_number_fault(name), value);
-        case FAULT_TEXTS:
-            return strcmp(value, UNTERMINATED) == 0;
+        case FAULT_WORD:
+            return strcmp(value, find_word_fault(name)->value) == 0;
         case FAULT_ERRNO:
             return errno_by_name(value) != 0;
         case FAULT_ADDRESS:
@@ -215,8 +230,9 @@ static const char *shortest_value(const char *name) {
         return "fail";
     if (strcmp(name, "address") == 0)
         return "missing";
-    if (strcmp(name, TEXTS_FAULT) == 0)
-        return UNTERMINATED;
+    const word_fault *word = find_word_fault(name);
+    if (word != nullptr)
+        return word->value;
     const number_fault *number = find_number_fault(name);
     return number != nullptr ? number->usual : "EIO";
 }

@@ -12,6 +12,7 @@
 #include "simulator/journal.h"
 #include "simulator/paths.h"
 #include "simulator/tools/driver_time.h"
+#include "simulator/tools/markers.h"
 #include "simulator/tools/tools.h"
 
 // What a shell says and returns for a command that it does not find.
@@ -59,7 +60,7 @@ static void print_garbage(void) {
 }
 
 // Obeys the fault of a tool. True when it took the tool's place; *status is then the exit status.
-static bool obey_fault(const tool *called, int *status) {
+static bool obey_fault(const tool *called, int argument_count, char *const *arguments, int *status) {
     char value[FAULT_VALUE_SIZE];
     if (!fault_get(called->name, value, sizeof value))
         return false;
@@ -69,6 +70,11 @@ static bool obey_fault(const tool *called, int *status) {
     if (fault_slowness(value, &seconds)) {
         sleep_seconds(seconds);
         return false;
+    }
+    int marker;
+    if (is_marker_fault(called->name, value, &marker)) {
+        *status = run_without_markers(called, marker, argument_count, arguments);
+        return true;
     }
     // Until somebody kills the process.
     while (strcmp(value, "hang") == 0)
@@ -100,7 +106,7 @@ int main(int argument_count, char **arguments) {
     }
     journal_run(name, argument_count - 1, arguments + 1);
     int status;
-    if (!obey_fault(called, &status))
+    if (!obey_fault(called, argument_count - 1, arguments + 1, &status))
         status = called->run(argument_count - 1, arguments + 1);
     return status;
 }

@@ -200,6 +200,51 @@ static int print_driver_command(int file, const char *interface, int count, char
     return 0;
 }
 
+// A record of the driver's own request 0x89FC. Nothing is mapped behind it; what it does not begin with is 0xEE.
+struct record_call {
+    const char *begins;     // in hexadecimal
+    unsigned long length;   // of the record
+    unsigned long room;     // what of it is the caller's memory, when that is not all of it
+    unsigned long pointer;  // to it
+};
+
+static record_call read_record_call(int count, char **words) {
+    record_call call = {"", 0, 0, 0};
+    for (int i = 0; i < count; i++) {
+        const char *value = words[i] + strcspn(words[i], "=") + 1;
+        if (strncmp(words[i], "begins=", 7) == 0)
+            call.begins = value;
+        else if (strncmp(words[i], "length=", 7) == 0)
+            call.length = call.room = strtoul(value, nullptr, 0);
+        else if (strncmp(words[i], "room=", 5) == 0)
+            call.room = strtoul(value, nullptr, 0);
+        else if (strncmp(words[i], "pointer=", 8) == 0)
+            call.pointer = strtoul(value, nullptr, 0);
+    }
+    return call;
+}
+
+static int print_record(int file, const char *interface, int count, char **words) {
+    constexpr size_t MAPPED = 65536, PAGE = 4096;
+    record_call call = read_record_call(count, words);
+    auto *pages = static_cast<unsigned char *>(
+        mmap(nullptr, MAPPED + PAGE, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    if (pages == MAP_FAILED || call.room > MAPPED)
+        return 3;
+    munmap(pages + MAPPED, PAGE);
+    unsigned char *record = pages + MAPPED - call.room;
+    memset(record, 0xEE, call.room);
+    for (size_t i = 0; i < call.room && strlen(call.begins) >= 2 * i + 2; i++) {
+        const char pair[] = {call.begins[2 * i], call.begins[2 * i + 1], '\0'};
+        record[i] = static_cast<unsigned char>(strtoul(pair, nullptr, 16));
+    }
+    iwreq request = request_for(interface);
+    request.u.data.pointer = call.pointer != 0 ? reinterpret_cast<void *>(call.pointer) : record;
+    request.u.data.length = static_cast<uint16_t>(call.length);
+    int result = ioctl(file, 0x89FC, &request);
+    return print_buffer(result, record, call.room);
+}
+
 // What syslog() is called by in programs that were built with checks.
 extern "C" void __syslog_chk(int priority, int flag, const char *format, ...) __attribute__((format(printf, 3, 4)));
 
@@ -270,6 +315,8 @@ int main(int argument_count, char **arguments) {
         return print_debug_request(file, operand, argument_count - 3, arguments + 3);
     if (strcmp(what, "driver") == 0)
         return print_driver_command(file, operand, argument_count - 3, arguments + 3);
+    if (strcmp(what, "record") == 0)
+        return print_record(file, operand, argument_count - 3, arguments + 3);
     if (strcmp(what, "syslog") == 0 || strcmp(what, "syslog-checked") == 0)
         return log_line(operand, strcmp(what, "syslog-checked") == 0);
     if (strcmp(what, "syslog-worker") == 0)
