@@ -1,5 +1,5 @@
 #!/bin/sh
-# The tour of the simulated gateway: some thirty calls of the client, each with what it made the gateway do.
+# The tour of the simulated gateway: some forty calls of the client, each with what it made the gateway do.
 #
 # Runs inside the gateway (vlk_simulated_gateway tour). Below each call stand, indented, the journal lines that it
 # caused. Ends with one summary line; status 1 when a call did not end as it should.
@@ -91,9 +91,20 @@ call getWpsStatus 1
 call setRadStatEnable 1 1 30 1800
 sleep 0.3
 call getChannelStatistics 1
+call getBasicStats 1
+call getAssocDevicesNum 1
+call getAssocDevice 1 0
+call apScan 1
+call getApScanStatus 1
+call setAdvairtimeStaEntryAdd 1 28:6A:BA:4C:10:01 20
+call getAdvairtimeStatsclAtftable 1
 call setSoftblockBlackListAdd 1 28:6A:BA:4C:10:01
 call getSoftblockBlackList 1
 call getBsBss2gTempBlacklistTable 1
+# The scan that was started above takes two seconds in all.
+sleep 2
+call getApScanStatus 1
+call getApScanNumOfEntries 1
 # VAP 9 is on the 5 GHz radio, which has no channel 6: the server refuses and says so.
 step 1 "$client" setChannel 9 6
 
