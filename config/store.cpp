@@ -230,6 +230,10 @@ int interface_number(int index) {
     return static_cast<int>(index - 1U);
 }
 
+void interface_name(int index, char name[INTERFACE_NAME_SIZE]) {
+    snprintf(name, INTERFACE_NAME_SIZE, "ath%d", interface_number(index));
+}
+
 int radio_store_index(int radio) {
     return radio == 1 ? 1 : 2;
 }

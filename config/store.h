@@ -48,5 +48,9 @@ int athcfg_get_radio(int index);
 // client.
 int interface_number(int index);
 
+// The name of that interface.
+constexpr size_t INTERFACE_NAME_SIZE = 16;  // "ath" and any number
+void interface_name(int index, char name[INTERFACE_NAME_SIZE]);
+
 // Store index of a radio's settings: the bare key for radio 1, suffix _2 for radio 0.
 int radio_store_index(int radio);

@@ -107,8 +107,8 @@ int wlan_shared_request(const char *interface, unsigned long request, void *data
 }
 
 int wlan_driver_command(int index, driver_command *block) {
-    char interface[IFNAMSIZ];  // "ath" and any number
-    snprintf(interface, sizeof(interface), "ath%d", interface_number(index));
+    char interface[INTERFACE_NAME_SIZE];
+    interface_name(index, interface);
     return wlan_shared_request(interface, IOCTL_DRIVER, block, sizeof(*block));
 }
 

@@ -182,8 +182,8 @@ static uint32_t channel_flags(int index, int radio, u_int channel) {
     if (channel == 0) {
         return radio == 1 ? AUTOMATIC_FLAGS_RADIO_1 : AUTOMATIC_FLAGS_RADIO_0;
     }
-    char interface[sizeof("ath-2147483648")];
-    snprintf(interface, sizeof(interface), "ath%d", interface_number(index));
+    char interface[INTERFACE_NAME_SIZE];
+    interface_name(index, interface);
     return static_cast<uint32_t>(get_channels(interface, channel));
 }
 

@@ -12,14 +12,10 @@
 
 #include "config/command.h"
 #include "config/log.h"
+#include "config/store.h"
 #include "params/vap.h"
 #include "platform/platform.h"
 #include "steering/airtime_table.h"
-
-// "ath%d" with any number.
-constexpr size_t INTERFACE_NAME_SIZE = 16;
-
-constexpr int INTERFACES = 2 * VAPS_PER_RADIO;
 
 // The room for a line. The longest, with the greatest numbers and names, has 189 characters.
 constexpr size_t EVENT_LINE_SIZE = 200;
@@ -29,7 +25,7 @@ constexpr int EVENT_PRIORITY = 6;
 
 // An interface and what the driver told of it.
 struct interface_report {
-    int number;
+    int vap;
     char name[INTERFACE_NAME_SIZE];
     char ssid[ESSID_SIZE];
     atf_table table;
@@ -55,7 +51,7 @@ static int percent_of(uint32_t used, uint32_t total) {
 
 static void send_line_with_usage(const interface_report *report, const char *mac, uint32_t share) {
     sta_atm_stats stats = {};  // and so it stays when the driver refuses: nothing used
-    wlan_getAdvAirtimeStatsCl_AirtimeStat(report->number + 1, mac, &stats);
+    wlan_getAdvAirtimeStatsCl_AirtimeStat(report->vap, mac, &stats);
     // Unsigned: tokens that were never used up make a large number, not a negative one. It is printed as int, though.
     uint32_t used = stats.act_tokens - stats.unused;
     char line[EVENT_LINE_SIZE];
@@ -86,7 +82,7 @@ static void report_rows(const char *caller, const interface_report *report, char
         if (report->table.atf_status == 0 || mac[0] == '\0' || has_left(caller, report->name, mac)) {
             continue;
         }
-        if (report->number < VAPS_PER_RADIO) {
+        if (report->vap < FIRST_VAP_5G) {
             send_line_with_usage(report, mac, info->value);
         } else {
             send_line(report, mac, info->value);
@@ -95,10 +91,10 @@ static void report_rows(const char *caller, const interface_report *report, char
 }
 
 // mac is the MAC that earlier interfaces left, empty for none, and becomes the one that this interface leaves.
-static void report_interface(const char *caller, int number, char (&mac)[MAC_TEXT_SIZE]) {
+static void report_interface(const char *caller, int vap, char (&mac)[MAC_TEXT_SIZE]) {
     interface_report report;
-    report.number = number;
-    snprintf(report.name, sizeof(report.name), "ath%d", number);
+    report.vap = vap;
+    interface_name(vap, report.name);
     if (getWlanStftableInfo(report.name, &report.table, report.ssid) != 0) {
         return;
     }
@@ -119,8 +115,8 @@ static void report_interface(const char *caller, int number, char (&mac)[MAC_TEX
 int wlan_queryWlanInfo(int, int *done) {
     log_debug("[VLK-API] %s %s: wlan_queryWlanInfo entered\n", __func__, __func__);
     char mac[MAC_TEXT_SIZE] = "";
-    for (int number = 0; number < INTERFACES; number++) {
-        report_interface(__func__, number, mac);
+    for (int vap = FIRST_VAP_2G; vap < FIRST_VAP_5G + VAPS_PER_RADIO; vap++) {
+        report_interface(__func__, vap, mac);
     }
     *done = 1;
     return 0;

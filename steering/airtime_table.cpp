@@ -20,9 +20,6 @@ constexpr uint16_t ATF_TABLE_REQUEST = 0xFF05;
 
 constexpr uint32_t IEEE80211_PARAM_STA_ATM_STATS = 64;
 
-// "ath%d" with any number.
-constexpr size_t INTERFACE_NAME_SIZE = 16;
-
 // Room for a MAC is room for one without colons.
 constexpr size_t BARE_MAC_SIZE = MAC_TEXT_SIZE;
 
@@ -149,7 +146,7 @@ static int read_counters(const char *caller, int index, const char *mac, sta_atm
     stats->code = IEEE80211_PARAM_STA_ATM_STATS;
     parse_mac(mac, stats->sta_mac);
     char interface[INTERFACE_NAME_SIZE];
-    snprintf(interface, sizeof(interface), "ath%d", interface_number(index));
+    interface_name(index, interface);
     if (wlan_shared_request(interface, IOCTL_DRIVER, stats, sizeof(*stats)) < 0) {
         log_error("[VLK-API] Error %s !!!failed: IEEE80211_PARAM_STA_ATM_STATS from %s\n", caller, interface);
         return -1;
@@ -256,13 +253,13 @@ static void put_airtime(const char *caller, const char *interface, wlan_atf_stat
 
 // Looks for the interface of the radio that serves a record's station, and completes the record from there. A record
 // without MAC is no station's: nobody is asked for it.
-static void complete_record(const char *caller, int first_interface, wlan_atf_station_t *record) {
+static void complete_record(const char *caller, int first_vap, wlan_atf_station_t *record) {
     if (record->mac[0] == '\0') {
         return;
     }
-    for (int number = first_interface; number < first_interface + VAPS_PER_RADIO; number++) {
+    for (int vap = first_vap; vap < first_vap + VAPS_PER_RADIO; vap++) {
         char interface[INTERFACE_NAME_SIZE];
-        snprintf(interface, sizeof(interface), "ath%d", number);
+        interface_name(vap, interface);
         if (!serves_station(caller, interface, record->mac)) {
             continue;
         }
@@ -275,7 +272,7 @@ static void complete_record(const char *caller, int first_interface, wlan_atf_st
 }
 
 // The driver can list more connected stations than a reply has room for; it has the first ones.
-static void append_record(const char *caller, int first_interface, const table_position *position,
+static void append_record(const char *caller, int first_vap, const table_position *position,
                           wlan_atf_station_table_t *reply) {
     if (reply->count == ATF_STATIONS_MAX) {
         return;
@@ -286,7 +283,7 @@ static void append_record(const char *caller, int first_interface, const table_p
     put_characters(record->name, sizeof(record->name), position->name, RECORD_NAME_LENGTH);
     record->share = position->share;
     record->configured = position->configured;
-    complete_record(caller, first_interface, record);
+    complete_record(caller, first_vap, record);
     reply->count++;
 }
 
@@ -295,9 +292,9 @@ int wlan_getAdvAirtimeStatsCl_AtfTable(int index, wlan_atf_station_table_t *repl
     if (index < 1) {
         return -1;
     }
-    int first_interface = interface_number(index < FIRST_VAP_5G ? FIRST_VAP_2G : FIRST_VAP_5G);
+    int first_vap = index < FIRST_VAP_5G ? FIRST_VAP_2G : FIRST_VAP_5G;
     char interface[INTERFACE_NAME_SIZE];
-    snprintf(interface, sizeof(interface), "ath%d", first_interface);
+    interface_name(first_vap, interface);
     atf_table table;
     char ssid[ESSID_SIZE];
     if (getWlanStftableInfo(interface, &table, ssid) != 0) {
@@ -310,7 +307,7 @@ int wlan_getAdvAirtimeStatsCl_AtfTable(int index, wlan_atf_station_table_t *repl
         take_row(&table, info, &position);
         log_row(__func__, info, &position);
         if (is_station_row(info) && is_connected(info)) {
-            append_record(__func__, first_interface, &position, reply);
+            append_record(__func__, first_vap, &position, reply);
         }
     }
     return 0;

@@ -6,7 +6,6 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <stddef.h>
-#include <stdio.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -15,9 +14,6 @@
 #include "params/vap.h"
 
 constexpr unsigned long IEEE80211_IOCTL_DBGREQ = 0x8BF8;
-
-// "ath%d" with any number.
-constexpr size_t INTERFACE_NAME_SIZE = 16;
 
 // What the driver takes for a debug request: packed, and as long as the longest of its commands wants it.
 struct __attribute__((packed)) debug_request {
@@ -102,7 +98,7 @@ int clear5GHzCapableTable(int index) {
 
 int request_debug(int index, uint8_t command, void *buffer, uint32_t size) {
     char interface[INTERFACE_NAME_SIZE];
-    snprintf(interface, sizeof(interface), "ath%d", interface_number(index));
+    interface_name(index, interface);
     debug_request request = {};
     request.command = command;
     request.buffer_size = size;

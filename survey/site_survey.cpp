@@ -3,7 +3,6 @@
 
 #include <errno.h>
 #include <linux/wireless.h>
-#include <stdio.h>
 #include <time.h>
 
 #include <utility>
@@ -25,8 +24,8 @@ constexpr int POLLS_MAX = 20;
 constexpr time_t POLL_INTERVAL = 1;  // seconds
 
 int wlan_ApSiteSurvey(int index) {
-    char interface[IFNAMSIZ];  // "ath" and any number
-    snprintf(interface, sizeof(interface), "ath%d", interface_number(index));
+    char interface[INTERFACE_NAME_SIZE];
+    interface_name(index, interface);
     return wlan_private_request(interface, SIOCSIWSCAN, nullptr, 0) < 0 ? -1 : 0;
 }
 

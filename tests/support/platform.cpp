@@ -1,6 +1,7 @@
 // A gateway's platform as the unit tests need it. See the header.
 #include "tests/support/platform.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -123,6 +124,16 @@ void set_debug(bool on) {
 }
 
 static rlimit descriptor_limit;
+
+size_t open_descriptors() {
+    size_t count = 0;
+    DIR *directory = opendir("/proc/self/fd");
+    while (readdir(directory)) {
+        count++;
+    }
+    closedir(directory);
+    return count;
+}
 
 void begin_descriptor_shortage() {
     int lowest_free = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0);

@@ -34,6 +34,9 @@ std::vector<std::string> tool_calls();
 
 void set_debug(bool on);
 
+// How many file descriptors this process has open.
+size_t open_descriptors();
+
 // From begin to end no file descriptor can be opened in this process.
 void begin_descriptor_shortage();
 void end_descriptor_shortage();

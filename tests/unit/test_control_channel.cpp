@@ -1,7 +1,6 @@
 // The datagram channel: what a daemon gets, what becomes of its answer, and that nothing is left behind on any road.
 #include "survey/control_channel.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <limits.h>
@@ -32,16 +31,6 @@ const char COLLECTOR_8[] = "/var/run/radstat/ath8";
 
 // What a reply's room holds before the call.
 constexpr char FILLER = '?';
-
-size_t open_descriptors() {
-    size_t count = 0;
-    DIR *directory = opendir("/proc/self/fd");
-    while (readdir(directory)) {
-        count++;
-    }
-    closedir(directory);
-    return count;
-}
 
 std::string local_path(int kind) {
     return (kind == RAD_CTRL_STATISTICS ? "/tmp/rad_ctrl_" : "/tmp/ssidsteering_") + std::to_string(getpid());

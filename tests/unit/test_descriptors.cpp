@@ -1,6 +1,5 @@
 // Descriptors over a long life: which procedures open a socket for each call, and that ten thousand calls of each leave
 // nothing open.
-#include <dirent.h>
 #include <gtest/gtest.h>
 #include <string.h>
 
@@ -53,16 +52,6 @@ const std::set<std::string> SOCKET_OPENERS = {
     "wlan_set_softblock_selector_mask",
     "wlan_set_softblock_waiting_time",
 };
-
-size_t open_descriptors() {
-    size_t count = 0;
-    DIR *directory = opendir("/proc/self/fd");
-    while (readdir(directory)) {
-        count++;
-    }
-    closedir(directory);
-    return count;
-}
 
 bytes sample_arguments(const procedure_row &row) {
     bytes arguments;
