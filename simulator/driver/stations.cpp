@@ -13,6 +13,13 @@ bool station_is_there(const scenario_station *station, const driver_state *state
     return vap->up && has_come && !has_gone;
 }
 
+int station_association(const scenario *scene, const scenario_station *station) {
+    int number = 1;
+    for (const scenario_station *before = scene->stations; before < station; before++)
+        number += before->vap == station->vap ? 1 : 0;
+    return number;
+}
+
 int stations_of_vap(const scenario *scene, const driver_state *state, int vap, double now,
                     const scenario_station **stations, int size) {
     int count = 0;

@@ -14,6 +14,10 @@ bool station_is_there(const scenario_station *station, const driver_state *state
 // How long it has been there, in seconds; of no meaning for one that is not.
 double station_seconds(const scenario_station *station, const driver_state *state, double now);
 
+// The number of its association: the place that the scenario gives it among the stations of its VAP, from 1, which it
+// keeps when others come and go.
+int station_association(const scenario *scene, const scenario_station *station);
+
 // The stations of a VAP (0 to 15) in the order in which the scenario has them, at most `size` of them. Returns how many
 // there are, which may be more.
 int stations_of_vap(const scenario *scene, const driver_state *state, int vap, double now,

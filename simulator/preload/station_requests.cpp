@@ -89,14 +89,6 @@ static void read_source(const scenario *scene, int vap, record_source *source) {
     store_value(APCFG_STORE, key, source->mode, sizeof source->mode);
 }
 
-// The driver numbers the stations of a VAP; one that comes back has its number again.
-static uint16_t association_of(const scenario *scene, const scenario_station *station) {
-    uint16_t number = 1;
-    for (const scenario_station *other = scene->stations; other < station; other++)
-        number += other->vap == station->vap ? 1 : 0;
-    return number;
-}
-
 static void fill_record(const record_source *source, const scenario_station *station, station_record *record) {
     double seconds = station_seconds(station, &source->state, source->now);
     put_text(record->mac, sizeof record->mac, station->mac);
@@ -111,7 +103,7 @@ static void fill_record(const record_source *source, const scenario_station *sta
     record->rssi = station->rssi;
     record->multicast_packets = record->tx_packets / PACKETS_PER_MULTICAST;
     record->unicast_packets = record->tx_packets - record->multicast_packets;
-    record->association = association_of(source->scene, station);
+    record->association = (uint16_t)station_association(source->scene, station);
     record->rx_rate = (uint32_t)station->rx_rate;
     record->tokens = station->tokens;
     record->act_tokens = station->act_tokens;

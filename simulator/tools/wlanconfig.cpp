@@ -11,21 +11,12 @@
 #include "simulator/tools/interface.h"
 #include "simulator/tools/tools.h"
 
-// The number of its association: the place that the scenario gives it among the stations of its VAP, which it keeps
-// when others come and go.
-static int association_of(const scenario *scene, const scenario_station *station) {
-    int number = 1;
-    for (const scenario_station *before = scene->stations; before < station; before++)
-        number += before->vap == station->vap ? 1 : 0;
-    return number;
-}
-
 static void print_station(const interface *wanted, const scenario_station *station, double now) {
     char mac[MAC_TEXT_SIZE];
     for (size_t i = 0; i < sizeof mac; i++)
         mac[i] = (char)tolower((unsigned char)station->mac[i]);
     double seconds = station_seconds(station, &wanted->state, now);
-    printf("%s %3d %4u %5dM %5dM %4d %9" PRIu64 " %9.0f %s\n", mac, association_of(wanted->scene, station),
+    printf("%s %3d %4u %5dM %5dM %4d %9" PRIu64 " %9.0f %s\n", mac, station_association(wanted->scene, station),
            interface_channel(wanted), station->tx_rate, station->rx_rate, station->rssi,
            scenario_count(&station->packets, seconds), seconds,
            *station->capabilities != '\0' ? station->capabilities : "-");
