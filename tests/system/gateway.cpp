@@ -247,3 +247,24 @@ strings WatchedGateway::lines_with(const strings &beginnings) const {
                 found.push_back(line);
     return found;
 }
+
+std::string serving_child() {
+    const std::string marker = " forked child pid=";
+    std::string child;
+    for (const std::string &line : lines_since(SERVER_LOG_FILE, 0))
+        if (line.starts_with("VLK WLAN RPC Server pid=") && line.find(marker) != std::string::npos)
+            child = line.substr(line.find(marker) + marker.size());
+    return child;
+}
+
+void BrokenGateway::SetUp() {
+    child = serving_child();
+    ASSERT_NE(child, "");
+}
+
+void BrokenGateway::TearDown() {
+    set_debug(false);
+    EXPECT_EQ(run_command("fault off").status, 0);
+    EXPECT_EQ(call(0, "").outcome, call_outcome::SUCCESS);
+    EXPECT_EQ(serving_child(), child) << "the child that served has died";
+}

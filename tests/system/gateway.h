@@ -121,6 +121,20 @@ protected:
     size_t log_mark = 0;
 };
 
+// Process id of the server's child, which is the one that answers. It is another one after the child has died.
+std::string serving_child();
+
+// A watched test that breaks something. Whatever becomes of it, faults and debug lines are off afterwards, and the
+// child that was there before still answers.
+class BrokenGateway : public WatchedGateway {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+private:
+    std::string child;
+};
+
 // A store with two VAPs on each radio: 1 and 2, 9 and 10.
 inline const strings TWO_RADIOS = {"AP_VAP_NUM=8",      "AP_RADIO_ID=0",          "AP_RADIO_ID_2=0",
                                    "AP_RADIO_ID_9=1",   "AP_RADIO_ID_10=1",       "AP_PRIMARY_CH=36",
