@@ -5,6 +5,7 @@
 #include <string.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -267,4 +268,137 @@ void BrokenGateway::TearDown() {
     EXPECT_EQ(run_command("fault off").status, 0);
     EXPECT_EQ(call(0, "").outcome, call_outcome::SUCCESS);
     EXPECT_EQ(serving_child(), child) << "the child that served has died";
+}
+
+size_t open_files_of_child() {
+    std::error_code error;
+    size_t count = 0;
+    for (const auto &entry : std::filesystem::directory_iterator("/proc/" + serving_child() + "/fd", error))
+        count += entry.path().empty() ? 0 : 1;
+    EXPECT_FALSE(error) << error.message();
+    return count;
+}
+
+bool call_often(uint32_t procedure, const bytes &arguments, int count) {
+    constexpr int waiting_at_once = 16;
+    int client = open_client_socket();
+    bool all_answered = true;
+    for (int sent = 0, answered = 0; all_answered && answered < count;) {
+        bytes answer;
+        if (sent < count && sent - answered < waiting_at_once)
+            all_answered = send_datagram(client, call_header(static_cast<uint32_t>(sent++), WLAN_CONFIG_RPC_PROG,
+                                                             WLAN_CONFIG_API_VERSION, procedure) +
+                                                     arguments);
+        else
+            all_answered = receive_datagram(client, &answer, ANSWER_TIMEOUT_MS) &&
+                           word_at(answer, 0) == static_cast<uint32_t>(answered++) &&
+                           parse_reply(answer).outcome == call_outcome::SUCCESS;
+    }
+    close(client);
+    return all_answered;
+}
+
+bytes code_reply(int code) {
+    return vap(code) + xdr_word(0) + xdr_word(0);
+}
+
+bytes integer_reply(int code, uint32_t number) {
+    return vap(code) + xdr_word(4) + xdr_word(number) + bytes(12, '\0') + xdr_word(0);
+}
+
+bytes image_reply(int code, const bytes &image) {
+    return vap(code) + xdr_word(0) + xdr_word(static_cast<uint32_t>(image.size())) + image;
+}
+
+testing::AssertionResult same_bytes(const bytes &found, const bytes &expected) {
+    if (found == expected)
+        return testing::AssertionSuccess();
+    auto [one, other] = std::mismatch(found.begin(), found.end(), expected.begin(), expected.end());
+    auto offset = one - found.begin();
+    std::ostringstream text;
+    text << found.size() << " bytes instead of " << expected.size() << ", which differ at " << offset;
+    if (one != found.end() && other != expected.end())
+        text << ": " << int{static_cast<uint8_t>(*one)} << " instead of " << int{static_cast<uint8_t>(*other)};
+    return testing::AssertionFailure() << text.str();
+}
+
+void put(bytes *record, size_t offset, const bytes &field) {
+    record->replace(offset, field.size(), field);
+}
+
+void put_number(bytes *record, size_t offset, uint32_t number) {
+    put(record, offset, bytes(reinterpret_cast<const char *>(&number), sizeof number));
+}
+
+uint32_t number_in(const bytes &record, size_t offset) {
+    uint32_t number = 0;
+    if (offset + sizeof number <= record.size())
+        memcpy(&number, record.data() + offset, sizeof number);
+    return number;
+}
+
+void fault(const std::string &words) {
+    command_output output = run_command("fault " + words);
+    EXPECT_EQ(output.status, 0) << words << ": " << output.errors;
+}
+
+double driver_seconds() {
+    timespec now = {};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+constexpr const char SCENARIO_FILE[] = "/run/gateway/scenario";
+
+// What the driver remembers, and the files of what its radios have found.
+constexpr const char DRIVER_FILE[] = "/run/gateway/driver";
+constexpr const char SCAN_FILES[] = "/run/gateway/scan.wifi";
+
+void ScenarioGateway::SetUp() {
+    BrokenGateway::SetUp();
+    scenario = read_file(SCENARIO_FILE);
+    set_items("");
+    set_driver(0);
+    begin_with({"AP_VAP_NUM=8", "AP_RADIO_ID=0", "AP_RADIO_ID_9=1", "AP_RADIO_ID_16=1", "AP_RADIO_ENABLED=1",
+                "AP_RADIO_ENABLED_2=1", "AP_CHMODE=11ACVHT80PLUSMINUS", "AP_CHMODE_2=11NGHT20", "AP_ENABLE=1",
+                "AP_ENABLE_9=1", "AP_ENABLE_16=1", "AP_SSID=Home", "AP_SSID_9=0123456789abcdef0123456789abcdef",
+                "AP_SSID_16=Last"});
+}
+
+void ScenarioGateway::TearDown() {
+    write_file(SCENARIO_FILE, scenario);
+    BrokenGateway::TearDown();
+}
+
+void ScenarioGateway::TearDownTestSuite() {
+    set_store({});
+    run_command("apup");  // which takes the VAPs down that no store wants
+    restart_driver();
+}
+
+void ScenarioGateway::set_items(const std::string &items, const std::string &scan_seconds) {
+    write_file(SCENARIO_FILE, "radio 0 band=2.4 mac=00:03:7F:10:00:00 scan_seconds=" + scan_seconds +
+                                  "\n"
+                                  "radio 1 band=5 mac=00:03:7F:10:00:04 scan_seconds=" +
+                                  scan_seconds +
+                                  "\n"
+                                  "channel 0 1 frequency=2412 flags=0\n"
+                                  "channel 0 6 frequency=2437 flags=0\n"
+                                  "channel 1 36 frequency=5180 flags=0\n"
+                                  "air 0 noise=-91\n"
+                                  "air 1 noise=-104\n"
+                                  "vap 1 radio=0 bssid=00:03:7F:10:00:01\n"
+                                  "vap 2 radio=0 bssid=02:03:7F:10:00:01\n"
+                                  "vap 9 radio=1 bssid=00:03:7F:10:00:05\n"
+                                  "vap 16 radio=1 bssid=1A:03:7F:10:00:05\n" +
+                                  items);
+}
+
+void ScenarioGateway::set_driver(double seconds_up, const std::string &scan_line) {
+    if (scan_line.empty())
+        for (const char *list : {"0", "0.before", "1", "1.before"})
+            unlink((std::string(SCAN_FILES) + list).c_str());
+    std::string since = std::to_string(driver_seconds() - seconds_up);
+    write_file(DRIVER_FILE,
+               "loaded\nup ath0 " + since + "\nup ath8 " + since + "\nup ath15 " + since + "\n" + scan_line);
 }

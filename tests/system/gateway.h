@@ -142,3 +142,49 @@ inline const strings TWO_RADIOS = {"AP_VAP_NUM=8",      "AP_RADIO_ID=0",        
 
 // Switches the server's debug lines.
 void set_debug(bool on);
+
+// How many files that child has open.
+size_t open_files_of_child();
+
+// Has the server answer so many equal calls, some of them waiting in its socket at any time. False when one has no
+// answer, or one that is no success.
+bool call_often(uint32_t procedure, const bytes &arguments, int count);
+
+// Whole results: a code alone, a code with an integer, a code with a record (whose size is a multiple of four).
+bytes code_reply(int code);
+bytes integer_reply(int code, uint32_t number);
+bytes image_reply(int code, const bytes &image);
+
+// Compares long texts of bytes; a failure tells the first offset at which they differ.
+testing::AssertionResult same_bytes(const bytes &found, const bytes &expected);
+
+// Puts bytes, or a number of the machine's order, at an offset of a record.
+void put(bytes *record, size_t offset, const bytes &field);
+void put_number(bytes *record, size_t offset, uint32_t number);
+uint32_t number_in(const bytes &record, size_t offset);
+
+// Switches a fault of the platform: "scan_count 300".
+void fault(const std::string &words);
+
+// A test with a scenario of its own, which is put back whatever happens: the VAPs 1, 9 and 16 are up, VAP 2 is there
+// and down.
+class ScenarioGateway : public BrokenGateway {
+protected:
+    static void TearDownTestSuite();
+    void SetUp() override;
+    void TearDown() override;
+
+    // From now on the scenario has radios (2.4 GHz with the channels 1 and 6, 5 GHz with 36, scans of so many seconds),
+    // VAPs, and these items.
+    void set_items(const std::string &items, const std::string &scan_seconds = "0");
+
+    // The driver as it is when the VAPs have been up for so many seconds. Nobody has scanned, unless there is a line of
+    // its memory that says so; then the lists of the last scans stay as they are.
+    void set_driver(double seconds_up, const std::string &scan_line = "");
+
+private:
+    std::string scenario;
+};
+
+// The clock of the driver's times.
+double driver_seconds();
