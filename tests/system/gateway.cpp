@@ -220,7 +220,17 @@ void set_debug(bool on) {
         unlink(DEBUG_SWITCH_FILE);
 }
 
+// A few operations end in the middle of a line, and the rest of it would be taken for what comes next. A debug line
+// ends it.
+static void end_line_of_log() {
+    bool debugging = access(DEBUG_SWITCH_FILE, F_OK) == 0;
+    set_debug(true);
+    call(PROC_wlan_get_name, vap(1));
+    set_debug(debugging);
+}
+
 void WatchedGateway::begin_watching() {
+    end_line_of_log();
     journal_mark = mark_of(JOURNAL_FILE);
     log_mark = mark_of(SERVER_LOG_FILE);
 }
