@@ -1,4 +1,4 @@
 // Compiled for a 32-bit machine by the tests: the assertions of the headers are what is checked.
-#include "config/wireless.h"
 #include "server/records.h"
+#include "config/wireless.h"
 #include "steering/airtime_table.h"
