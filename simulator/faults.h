@@ -29,6 +29,7 @@ constexpr const char SCAN_STATUS_FAULT[] = "scan_status";
 // as full as it can be.
 constexpr const char AIRTIME_COUNT_FAULT[] = "airtime_count";
 constexpr const char AIRTIME_FULL_FAULT[] = "airtime_full";
+constexpr const char AIRTIME_FULL_OF_STATIONS[] = "stations";  // without a row of another kind
 
 // The fault with which no text in the driver's records has its NUL; its only value is "unterminated".
 constexpr const char TEXTS_FAULT[] = "texts";

@@ -183,7 +183,7 @@ void airtime_table_make(const airtime_sources *sources, int radio, airtime_table
     add_others(&making, left > 0 ? left : 0);
 }
 
-void airtime_table_fill(airtime_table *table) {
+void airtime_table_fill(airtime_table *table, int first) {
     airtime_row station = table->rows[0];
     station.is_station = true;
     station.active = true;
@@ -191,7 +191,7 @@ void airtime_table_fill(airtime_table *table) {
     station.value /= AIRTIME_ROWS - 1;
     table->enabled = true;
     table->count = AIRTIME_ROWS;
-    for (int i = 1; i < AIRTIME_ROWS; i++) {
+    for (int i = first; i < AIRTIME_ROWS; i++) {
         // Locally administered addresses, which the scenario's stations hardly have.
         const uint8_t mac[MAC_OCTETS] = {0x02, 0xAF, 0, 0, 0, (uint8_t)i};
         memcpy(station.mac, mac, sizeof mac);

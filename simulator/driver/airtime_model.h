@@ -40,9 +40,9 @@ struct airtime_sources {
 // not there. Last the row "Others" with what is left, and the stations of the other VAPs. What has no room is left out.
 void airtime_table_make(const airtime_sources *sources, int radio, airtime_table *table);
 
-// Makes a table as full as it can be: it is enabled, and behind its first row stand stations that are all there and all
-// invented.
-void airtime_table_fill(airtime_table *table);
+// Makes a table as full as it can be: it is enabled, and from this row (0 or 1) on stand stations that are all there
+// and all invented.
+void airtime_table_fill(airtime_table *table, int first);
 
 // What a station has had: in microseconds, in a second and since it came.
 struct airtime_had {

@@ -129,7 +129,7 @@ static void make_table(airtime_workplace *work, int vap) {
     airtime_sources sources = {work->scene, &work->state, &work->store, driver_clock()};
     airtime_table_make(&sources, work->scene->vaps[vap].radio, &work->table);
     if (fault_get(AIRTIME_FULL_FAULT, value, sizeof value))
-        airtime_table_fill(&work->table);
+        airtime_table_fill(&work->table, strcmp(value, AIRTIME_FULL_OF_STATIONS) == 0 ? 0 : 1);
     fill_record(&work->table, &work->record);
 }
 

@@ -19,7 +19,7 @@
 // What a fault of this name may be set to.
 enum fault_kind { FAULT_UNKNOWN, FAULT_TOOL, FAULT_DAEMON, FAULT_ERRNO, FAULT_NUMBER, FAULT_WORD, FAULT_ADDRESS };
 
-// A fault that has one value only.
+// A fault whose value is a word, and one such word; the first of a fault is the usual one.
 struct word_fault {
     const char *name, *value;
 };
@@ -27,6 +27,7 @@ struct word_fault {
 static const word_fault word_faults[] = {
     {TEXTS_FAULT, "unterminated"},
     {AIRTIME_FULL_FAULT, "on"},
+    {AIRTIME_FULL_FAULT, AIRTIME_FULL_OF_STATIONS},
 };
 
 static const word_fault *find_word_fault(const char *name) {
@@ -35,6 +36,14 @@ static const word_fault *find_word_fault(const char *name) {
             return &candidate;
     }
     return nullptr;
+}
+
+static bool is_word_of(const char *name, const char *value) {
+    for (const word_fault &candidate : word_faults) {
+        if (strcmp(candidate.name, name) == 0 && strcmp(candidate.value, value) == 0)
+            return true;
+    }
+    return false;
 }
 
 // A fault that is a number: which ones it may be, and which one it is when nobody says it.
@@ -159,7 +168,7 @@ static bool is_value(fault_kind kind, const char *name, const char *value) {
         case FAULT_NUMBER:
             return is_number(find_number_fault(name), value);
         case FAULT_WORD:
-            return strcmp(value, find_word_fault(name)->value) == 0;
+            return is_word_of(name, value);
         case FAULT_ERRNO:
             return errno_by_name(value) != 0;
         case FAULT_ADDRESS:

@@ -411,6 +411,17 @@ TEST_F(AirtimeRequests, TheTableCanBeFullOfConnectedStations) {
     EXPECT_EQ(table_of("ath0")[5814], 0);
 }
 
+TEST_F(AirtimeRequests, TheTableCanBeFullOfNothingButConnectedStations) {
+    EXPECT_EQ(run({"fault", "airtime_full", "stations"}).status, 0);
+    lines entries;
+    for (int i = 0; i <= 65; i++) {
+        char mac[13];
+        snprintf(mac, sizeof mac, "02af000000%02x", static_cast<unsigned>(i));
+        entries.push_back(station("Home", mac, 1));
+    }
+    expect_table("ath0", entries, true);
+}
+
 TEST_F(AirtimeRequests, AFullTableMayBeOneOfGroups) {
     set_shares("airtime 1 share=650 group=Family\n");
     run({"fault", "airtime_full"});

@@ -802,6 +802,15 @@ TEST_F(AirtimeFullTable, EveryRowButTheFirstIsALineOfAFullTable) {
     EXPECT_EQ(events(), strings{});
 }
 
+// Without a row of an SSID before them the stations have neither name nor configured share.
+TEST_F(AirtimeFullTable, SixtySixConnectedStationsMakeSixtyFourRecords) {
+    fault("popen ENOMEM; fault airtime_full stations");
+    station_rows rows;
+    for (int i = 0; i < static_cast<int>(TABLE_ROOM); i++)
+        rows.push_back({numbered_mac(i).replace(3, 2, "af"), "", 1, 0, 0, 0});
+    expect_table(1, rows);
+}
+
 TEST_F(AirtimeFullTable, StationsThatNoInterfaceServesHaveNoAirtime) {
     fault("popen ENOMEM; fault airtime_full on");
     station_rows rows;
