@@ -23,8 +23,8 @@ constexpr size_t INLINE_DATA_SIZE = IFNAMSIZ;
 static_assert(INLINE_DATA_SIZE == 16 && sizeof(iwreq_data) >= INLINE_DATA_SIZE);
 
 // Where memory for the driver is looked for: above what a kernel keeps free at the bottom and below 2 GiB, where
-// nothing of an ordinary program lies on any 64-bit machine; a 32-bit program has gaps there. The step is
-// larger than what is asked for at once.
+// nothing of an ordinary program lies on any 64-bit machine; a 32-bit program has gaps there. The step is larger than
+// what is asked for at once.
 constexpr uintptr_t LOW_MEMORY_BEGIN = 0x1000'0000;
 constexpr uintptr_t LOW_MEMORY_END = 0x7000'0000;
 constexpr uintptr_t LOW_MEMORY_STEP = 0x10'0000;

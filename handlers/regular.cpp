@@ -114,7 +114,6 @@
     log_debug("[VLK-API] %s  WLAN RPC server : [total index %d]\n", __func__, count);
 
 #define PARAMETER(n, element) PARAMETER_##element
-#define PARAMETER_TYPE(n, element) PARAMETER_TYPE_##element
 #define PASSED(n, element) PASSED_##element
 #define PASSED_TYPE(n, element) PASSED_TYPE_##element
 #define BACK_END_TYPE(arguments, result_kind) \

@@ -76,14 +76,7 @@
 #define NAME_USHORT(name) name
 #define NAME_TEXT(name) name
 
-// An element as a handler's parameter, without and with its name, and in a debug line.
-#define PARAMETER_TYPE_VAP(name) int,
-#define PARAMETER_TYPE_INT(name) int,
-#define PARAMETER_TYPE_IGNORED(name) int,
-#define PARAMETER_TYPE_UINT(name) u_int,
-#define PARAMETER_TYPE_BOOL(name) bool_t,
-#define PARAMETER_TYPE_USHORT(name) u_short,
-#define PARAMETER_TYPE_TEXT(name) const char *,
+// An element as a handler's parameter, and in a debug line.
 #define PARAMETER_VAP(name) int name,
 #define PARAMETER_INT(name) int name,
 #define PARAMETER_IGNORED(name) int name,
