@@ -41,10 +41,15 @@ int wlan_ioctl_socket(void) {
     return shared;
 }
 
-static int send_request(const char *interface, unsigned long request, void *data, size_t length, iwreq *record) {
+// A request for an interface, without data.
+static void begin_request(iwreq *record, const char *interface) {
     memset(record, 0, sizeof(*record));
     // A name of all 16 bytes goes without NUL: the kernel looks no further.
     memcpy(record->ifr_name, interface, strnlen(interface, sizeof(record->ifr_name)));
+}
+
+static int send_request(const char *interface, unsigned long request, void *data, size_t length, iwreq *record) {
+    begin_request(record, interface);
     if (length < INLINE_DATA_SIZE) {
         memcpy(record->u.name, data, length);
     } else {
@@ -76,8 +81,8 @@ int wlan_get80211priv(const char *interface, unsigned long request, void *data, 
 
 // Sends a request with its data passed by reference whatever the length. The driver's length word comes back in length.
 static int send_by_reference(int sender, const char *interface, unsigned long request, void *data, uint16_t *length) {
-    iwreq record = {};
-    memcpy(record.ifr_name, interface, strnlen(interface, sizeof(record.ifr_name)));
+    iwreq record;
+    begin_request(&record, interface);
     record.u.data.pointer = data;
     record.u.data.length = *length;
     int result = ioctl(sender, request, &record);

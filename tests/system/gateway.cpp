@@ -250,6 +250,14 @@ strings WatchedGateway::new_commands() {
     return found;
 }
 
+strings WatchedGateway::requests() const {
+    strings found;
+    for (const std::string &line : lines_since(JOURNAL_FILE, journal_mark))
+        if (line.starts_with("ioctl "))
+            found.push_back(line);
+    return found;
+}
+
 strings WatchedGateway::lines_with(const strings &beginnings) const {
     strings found;
     for (const std::string &line : lines_since(SERVER_LOG_FILE, log_mark))

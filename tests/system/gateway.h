@@ -113,6 +113,9 @@ protected:
     strings commands() const;
     strings new_commands();
 
+    // The requests that reached the driver since the beginning.
+    strings requests() const;
+
     // What the server printed since the beginning: all lines that begin with one of these. Its tools write to the same
     // file.
     strings lines_with(const strings &beginnings) const;

@@ -172,15 +172,6 @@ protected:
     strings warnings() const {
         return lines_with({"wlan_getApScanResult_2"});
     }
-
-    // The requests that reached the driver.
-    strings requests() const {
-        strings found;
-        for (const std::string &line : lines_since(JOURNAL_FILE, journal_mark))
-            if (line.starts_with("ioctl "))
-                found.push_back(line);
-        return found;
-    }
 };
 
 // --- the table ---

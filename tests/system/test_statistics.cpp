@@ -199,15 +199,6 @@ protected:
         ScenarioGateway::SetUp();
         set_driver(SECONDS_UP);
     }
-
-    // The requests that reached the driver.
-    strings requests() const {
-        strings found;
-        for (const std::string &line : lines_since(JOURNAL_FILE, journal_mark))
-            if (line.starts_with("ioctl "))
-                found.push_back(line);
-        return found;
-    }
 };
 
 // --- stations ---

@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+#include "client/names.h"
 #include "client/operations.h"
 #include "survey/control_channel.h"
 #include "tests/support/daemon.h"
@@ -89,14 +90,6 @@ call_outcome call_row(const procedure_row &row) {
     return serve(header_of(row.number) + sample_arguments(row)).outcome;
 }
 
-const procedure_row &row_named(const std::string &name) {
-    const procedure_row *row = procedure_rows;
-    while (name != row->name) {
-        row++;
-    }
-    return *row;
-}
-
 TEST_F(Descriptors, OnlyTheseProceduresOpenASocketForEachCall) {
     std::set<std::string> openers;
     for (size_t i = 0; i < procedure_row_count; i++) {
@@ -115,7 +108,9 @@ TEST_F(Descriptors, OnlyTheseProceduresOpenASocketForEachCall) {
 }
 
 TEST_P(Descriptors, TenThousandCallsLeaveNothingOpen) {
-    const procedure_row &row = row_named(GetParam());
+    const procedure_row *found = find_operation(GetParam().c_str());
+    ASSERT_NE(found, nullptr);
+    const procedure_row &row = *found;
     ASSERT_EQ(call_row(row), call_outcome::SUCCESS);
     size_t before = open_descriptors();
     for (int i = 0; i < MANY_CALLS; i++) {
