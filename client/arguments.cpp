@@ -4,8 +4,6 @@
 #include <stdio.h>
 #include <string.h>
 
-#include "client/names.h"
-
 struct number_range {
     int64_t least;
     int64_t most;
@@ -111,10 +109,8 @@ bool parse_argument(argument_kind kind, char *word, argument_value *value) {
 
 bool parse_arguments(const procedure_row *row, size_t count, char *const *words, call_arguments *arguments,
                      char problem[PROBLEM_SIZE]) {
-    char name[OPERATION_NAME_SIZE];
-    operation_name(row, name);
     if (count != row->argument_count) {
-        snprintf(problem, PROBLEM_SIZE, "%s takes %zu argument%s, not %zu", name, row->argument_count,
+        snprintf(problem, PROBLEM_SIZE, "takes %zu argument%s, not %zu", row->argument_count,
                  row->argument_count == 1 ? "" : "s", count);
         return false;
     }
@@ -123,7 +119,7 @@ bool parse_arguments(const procedure_row *row, size_t count, char *const *words,
         const argument_row *argument = &row->arguments[i];
         if (parse_argument(argument->kind, words[i], &parsed.values[i]))
             continue;
-        snprintf(problem, PROBLEM_SIZE, "%s: <%s> is \"%s\", but has to be %s", name, argument->name, words[i],
+        snprintf(problem, PROBLEM_SIZE, "<%s> is \"%s\", but has to be %s", argument->name, words[i],
                  accepted_text(argument->kind));
         return false;
     }

@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 #include <errno.h>
+#include <netdb.h>
 #include <rpc/pmap_prot.h>
 #include <stdarg.h>
 #include <stdio.h>
@@ -46,7 +47,7 @@ static CLIENT *open_client(sockaddr_in *server, rpcprog_t program, rpcvers_t ver
     return client;
 }
 
-// Calls and destroys the client: what became of it, and the system's error behind that.
+// Sends the call once: what became of it, and the system's error behind that.
 static rpc_err call_once(CLIENT *client, rpcproc_t procedure, xdrproc_t encode, void *arguments, xdrproc_t decode,
                          void *result, int timeout_seconds) {
     timeval timeout = {timeout_seconds, 0};
@@ -55,7 +56,6 @@ static rpc_err call_once(CLIENT *client, rpcproc_t procedure, xdrproc_t encode, 
     rpc_err error = {};
     clnt_geterr(client, &error);
     error.re_status = status;
-    clnt_destroy(client);
     return error;
 }
 
@@ -89,6 +89,7 @@ static call_outcome ask_port(const call_endpoint *endpoint, sockaddr_in *portmap
     *port = 0;
     rpc_err error =
         call_once(client, PMAPPROC_GETPORT, as_xdrproc(xdr_pmap), &wanted, as_xdrproc(xdr_u_short), port, timeout);
+    clnt_destroy(client);
     if (error.re_status != RPC_SUCCESS)
         return portmapper_failure(endpoint, &error);
     if (*port == 0)
@@ -100,7 +101,7 @@ static call_outcome ask_port(const call_endpoint *endpoint, sockaddr_in *portmap
 
 static call_outcome no_answer(const call_endpoint *endpoint, u_short port, const rpc_err *error, int timeout_seconds) {
     if (error->re_status == RPC_TIMEDOUT)
-        return outcome(call_status::NO_ANSWER,
+        return outcome(call_status::TIMED_OUT,
                        "no answer from %s port %u within %d s: the server is busy or hangs, and may still carry it out",
                        endpoint->address, port, timeout_seconds);
     if (error->re_errno == ECONNREFUSED)
@@ -138,24 +139,57 @@ static call_outcome call_failure(const call_endpoint *endpoint, u_short port, co
     }
 }
 
-call_outcome call_procedure(const call_endpoint *endpoint, const procedure_row *row, call_arguments *arguments,
-                            int timeout_seconds, wlan_config_result_data_t *result) {
+// The endpoint's address, which may be given as a name.
+static bool find_address(const call_endpoint *endpoint, sockaddr_in *found) {
+    addrinfo wanted = {};
+    wanted.ai_family = AF_INET;
+    wanted.ai_socktype = SOCK_DGRAM;
+    addrinfo *answer;
+    if (getaddrinfo(endpoint->address, nullptr, &wanted, &answer) != 0)
+        return false;
+    memcpy(found, answer->ai_addr, sizeof *found);
+    freeaddrinfo(answer);
+    return true;
+}
+
+static call_outcome open_connection(server_connection *connection, int timeout_seconds) {
+    const call_endpoint *endpoint = &connection->endpoint;
     sockaddr_in server = {};
-    server.sin_family = AF_INET;
+    if (!find_address(endpoint, &server))
+        return outcome(call_status::NO_ANSWER, "\"%s\" is neither an IPv4 address nor a name that has one",
+                       endpoint->address);
     server.sin_port = htons(endpoint->portmapper_port);
-    *result = {};
-    if (!inet_aton(endpoint->address, &server.sin_addr))
-        return outcome(call_status::NO_ANSWER, "\"%s\" is no IPv4 address", endpoint->address);
-    u_short port = 0;
-    call_outcome asked = ask_port(endpoint, &server, timeout_seconds, &port);
+    call_outcome asked = ask_port(endpoint, &server, timeout_seconds, &connection->port);
     if (asked.status != call_status::ANSWERED)
         return asked;
+    server.sin_port = htons(connection->port);
+    connection->client = open_client(&server, WLAN_CONFIG_RPC_PROG, WLAN_CONFIG_API_VERSION, timeout_seconds);
+    return connection->client ? asked : unreachable(endpoint->address);
+}
 
+server_connection new_connection(const call_endpoint *endpoint) {
+    return {*endpoint, nullptr, 0};
+}
+
+void close_connection(server_connection *connection) {
+    CLIENT *client = connection->client;
+    connection->client = nullptr;
+    if (client)
+        clnt_destroy(client);
+}
+
+call_outcome call_procedure(server_connection *connection, const procedure_row *row, call_arguments *arguments,
+                            int timeout_seconds, wlan_config_result_data_t *result) {
+    *result = {};
+    if (!connection->client) {
+        call_outcome opened = open_connection(connection, timeout_seconds);
+        if (!connection->client)
+            return opened;
+    }
     // Retrying first after the whole time means never.
-    server.sin_port = htons(port);
-    CLIENT *client = open_client(&server, WLAN_CONFIG_RPC_PROG, WLAN_CONFIG_API_VERSION, timeout_seconds);
-    if (!client)
-        return unreachable(endpoint->address);
+    CLIENT *client = connection->client;
+    timeval retry = {timeout_seconds, 0};
+    clnt_control(client, CLSET_RETRY_TIMEOUT, &retry);
     bool bare = row->result.kind == result_kind::CODE;
     xdrproc_t decode = bare ? as_xdrproc(xdr_wlan_config_return_code_e) : as_xdrproc(xdr_wlan_config_result_data_t);
     void *decoded = bare ? static_cast<void *>(&result->return_code) : result;
@@ -163,7 +197,10 @@ call_outcome call_procedure(const call_endpoint *endpoint, const procedure_row *
         call_once(client, row->number, as_xdrproc(xdr_call_arguments), arguments, decode, decoded, timeout_seconds);
     if (error.re_status == RPC_SUCCESS)
         return outcome(call_status::ANSWERED, "%s", "");
-    return call_failure(endpoint, port, &error, timeout_seconds);
+    call_outcome failed = call_failure(&connection->endpoint, connection->port, &error, timeout_seconds);
+    if (failed.status == call_status::NO_ANSWER)
+        close_connection(connection);  // a server that has been started again may have another port
+    return failed;
 }
 
 void release_result(wlan_config_result_data_t *result) {

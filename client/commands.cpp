@@ -1,220 +1,179 @@
 #include "client/commands.h"
 
-#include <getopt.h>
 #include <string.h>
-#include <unistd.h>
 
 #include "client/arguments.h"
+#include "client/ask.h"
+#include "client/command_table.h"
+#include "client/dump.h"
 #include "client/help.h"
+#include "client/list.h"
 #include "client/names.h"
-#include "client/print.h"
-#include "client/reference.h"
+#include "client/options.h"
+#include "client/results.h"
 
-struct client_options {
-    int timeout_seconds;
-    bool help;
-};
-
-struct client_streams {
-    FILE *out;
-    FILE *errors;
-};
-
-static client_exit_status say_usage(FILE *errors, const char *problem) {
-    fprintf(errors, "%s: %s\nTry: %s --help\n", PROGRAM_NAME, problem, PROGRAM_NAME);
-    return EXIT_STATUS_USAGE;
+static client_exit_status complain_of_usage(client_session *session, const char *problem) {
+    client_exit_status status = complain(session, EXIT_STATUS_USAGE, "%s", problem);
+    remark(session, "Try: %s --help\n", PROGRAM_NAME);
+    return status;
 }
 
-static bool parse_timeout(char *word, int *seconds) {
-    argument_value value;
-    if (!parse_argument(argument_kind::UINT, word, &value) || value.number < 1 || value.number > TIMEOUT_SECONDS_MAX)
-        return false;
-    *seconds = static_cast<int>(value.number);
-    return true;
-}
-
-// What getopt_long returns for an option, beyond every character of a short one.
-enum client_option : int { OPTION_HELP = 256, OPTION_TIMEOUT };
-
-// `found` is what getopt_long made of the wrong option: '?', ':' or an option whose value is wrong.
-static void describe_wrong_option(int found, char **argv, char problem[PROBLEM_SIZE]) {
-    bool is_short = optopt > 0 && optopt < OPTION_HELP;
-    if (found == OPTION_TIMEOUT)
-        snprintf(problem, PROBLEM_SIZE, "--timeout is \"%s\", but has to be a number of seconds from 1 to %d", optarg,
-                 TIMEOUT_SECONDS_MAX);
-    else if (found == '?' && is_short)
-        snprintf(problem, PROBLEM_SIZE, "-%c is no option", optopt);
-    else
-        snprintf(problem, PROBLEM_SIZE, "%s %s", argv[optind - 1], found == ':' ? "needs a value" : "is no option");
-}
-
-// Options end at the first word that is none, for behind an operation -1 is a value. Leaves getopt's optind there.
-static bool parse_options(int argc, char **argv, client_options *options, char problem[PROBLEM_SIZE]) {
-    static const option known[] = {
-        {"help", no_argument, nullptr, OPTION_HELP},
-        {"timeout", required_argument, nullptr, OPTION_TIMEOUT},
-        {},
-    };
-    optind = 0;  // start afresh
-    opterr = 0;
-    for (int found; (found = getopt_long(argc, argv, "+:", known, nullptr)) >= 0;) {
-        if (found == OPTION_HELP) {
-            options->help = true;
-        } else if (found != OPTION_TIMEOUT || !parse_timeout(optarg, &options->timeout_seconds)) {
-            describe_wrong_option(found, argv, problem);
-            return false;
-        }
+// The answer to an operation: what came back, and that it failed when it did.
+static client_exit_status answer_failure(client_session *session, const procedure_row *row,
+                                         const wlan_config_result_data_t *result) {
+    value *answer = new_answer(session);
+    add_number(answer, "code", result->return_code);
+    if (says_something(row, result)) {
+        value *payload = result_value(row, result);
+        if (session->settings.format == output_format::TEXT)
+            show(session, payload);
+        else
+            add_value(answer, "result", payload);
     }
-    return true;
+    return complain_in(session, answer, EXIT_STATUS_FAILURE, session->problem);
 }
 
-static const procedure_row *find_or_complain(FILE *errors, const char *word) {
-    const procedure_row *row = find_operation(word);
-    if (row)
-        return row;
-    const procedure_row *suggestions[SUGGESTIONS_MAX];
-    size_t count = suggest_operations(word, suggestions);
-    fprintf(errors, "%s: there is no operation \"%s\"\n", PROGRAM_NAME, word);
-    for (size_t i = 0; i < count; i++) {
-        char name[OPERATION_NAME_SIZE];
-        operation_name(suggestions[i], name);
-        fprintf(errors, "%s%s%s", i == 0 ? "Did you mean " : ", ", name, i + 1 == count ? "?\n" : "");
-    }
-    fprintf(errors, "Try: %s list\n", PROGRAM_NAME);
-    return nullptr;
-}
-
-static client_exit_status exit_status_of(call_status status) {
-    switch (status) {
-        case call_status::ANSWERED:
-            return EXIT_STATUS_SUCCESS;
-        case call_status::REFUSED:
-            return EXIT_STATUS_FAILURE;
-        case call_status::TOO_LARGE:
-            return EXIT_STATUS_USAGE;
-        case call_status::NO_ANSWER:
-            return EXIT_STATUS_NO_ANSWER;
-    }
-    return EXIT_STATUS_FAILURE;
-}
-
-static client_exit_status show_result(const client_streams *streams, const procedure_row *row,
-                                      const wlan_config_result_data_t *result) {
-    char name[OPERATION_NAME_SIZE], problem[PROBLEM_SIZE];
-    operation_name(row, name);
-    if (!check_result(row, result, problem)) {
-        fprintf(streams->errors, "%s: %s\n", name, problem);
-        return EXIT_STATUS_FAILURE;
-    }
-    bool terminal = isatty(fileno(streams->out));
-    print_result(streams->out, row, result, terminal ? text_style::FOR_A_TERMINAL : text_style::AS_THEY_ARE);
-    if (result->return_code == WLAN_CONFIG_SUCCESS)
+static client_exit_status answer_success(client_session *session, const procedure_row *row,
+                                         const wlan_config_result_data_t *result) {
+    value *payload = result_value(row, result);
+    if (!payload->first && session->settings.format == output_format::TEXT) {
+        free_value(payload);
+        fputs("ok\n", session->out);
         return EXIT_STATUS_SUCCESS;
-    fflush(streams->out);  // the payload first, also where both streams go to one place
-    fprintf(streams->errors, "%s: the server answered failure (%d)\n", name, result->return_code);
-    return EXIT_STATUS_FAILURE;
+    }
+    return show(session, payload);
 }
 
-static client_exit_status run_operation(const call_endpoint *endpoint, const client_options *options, int count,
-                                        char **words, const client_streams *streams) {
-    const procedure_row *row = find_or_complain(streams->errors, words[0]);
-    if (!row)
-        return EXIT_STATUS_USAGE;
-    call_arguments arguments;
-    char problem[PROBLEM_SIZE];
-    if (!parse_arguments(row, static_cast<size_t>(count - 1), words + 1, &arguments, problem)) {
-        fprintf(streams->errors, "%s\n", problem);
-        print_usage(streams->errors, row);
-        return EXIT_STATUS_USAGE;
-    }
+static client_exit_status call_operation(client_session *session, const procedure_row *row, call_arguments *arguments) {
     wlan_config_result_data_t result;
-    call_outcome outcome = call_procedure(endpoint, row, &arguments, options->timeout_seconds, &result);
-    client_exit_status status = exit_status_of(outcome.status);
-    if (outcome.status == call_status::ANSWERED) {
-        status = show_result(streams, row, &result);
-    } else {
-        char name[OPERATION_NAME_SIZE];
-        operation_name(row, name);
-        fprintf(streams->errors, "%s: %s\n", name, outcome.problem);
-    }
+    client_exit_status status = ask(session, row, arguments, &result);
+    bool answered = status == EXIT_STATUS_SUCCESS || status == EXIT_STATUS_FAILURE;
+    if (answered && session->settings.format == output_format::DUMP)
+        print_dump(session->out, &result);
+    if (status == EXIT_STATUS_FAILURE)
+        status = answer_failure(session, row, &result);
+    else if (status != EXIT_STATUS_SUCCESS)
+        status = complain_of_call(session, status);
+    else if (session->settings.format != output_format::DUMP)
+        status = answer_success(session, row, &result);
     release_result(&result);
     return status;
 }
 
-static client_exit_status run_help(int count, char **words, const client_streams *streams) {
-    if (count == 1) {
-        print_program_help(streams->out);
-        return EXIT_STATUS_SUCCESS;
-    }
-    const procedure_row *row = find_or_complain(streams->errors, words[1]);
-    if (!row)
-        return EXIT_STATUS_USAGE;
-    print_operation_help(streams->out, row);
-    return EXIT_STATUS_SUCCESS;
+// The options of one command hold for it alone. `own` becomes its connection when it names a server.
+static void begin(client_session *session, const parsed_options *options, server_connection *own) {
+    session->settings = options->settings;
+    if (!options->server)
+        return;
+    call_endpoint endpoint = session->connection->endpoint;
+    endpoint.address = options->server;
+    *own = new_connection(&endpoint);
+    session->connection = own;
 }
 
-static client_exit_status run_list(int count, char **words, const client_streams *streams) {
-    const char *word = count == 1 ? "" : words[1];
-    if (print_list(streams->out, word) > 0)
-        return EXIT_STATUS_SUCCESS;
-    fprintf(streams->errors, "%s: no operation has \"%s\" in its name, subject or summary\n", PROGRAM_NAME, word);
+static bool is_help_option(const char *word) {
+    return strcmp(word, "--help") == 0 || strcmp(word, "-h") == 0;
+}
+
+// As many words as the operation has arguments are arguments, whatever they look like. Options may stand behind them.
+static bool parse_trailing_options(const procedure_row *row, int *count, char **words, parsed_options *options,
+                                   char problem[PROBLEM_SIZE]) {
+    int taken = static_cast<int>(row->argument_count) + 1;
+    if (*count <= taken || *words[taken] != '-')
+        return true;
+    int used = 1;
+    int rest = *count - taken + 1;
+    if (!parse_leading_options(rest, words + taken - 1, options, &used, problem))
+        return false;
+    *count = used == rest ? taken : *count;
+    return true;
+}
+
+static client_exit_status run_operation(client_session *session, const procedure_row *row, int count, char **words,
+                                        server_connection *own) {
+    char name[OPERATION_NAME_SIZE], problem[PROBLEM_SIZE];
+    operation_name(row, name);
+    session->speaker = name;
+    session->is_operation = true;
+    bool takes_text = row->argument_count > 0 && row->arguments[0].kind == argument_kind::TEXT;
+    parsed_options options = {session->settings, nullptr, count == 2 && !takes_text && is_help_option(words[1])};
+    if (!options.help && !parse_trailing_options(row, &count, words, &options, problem))
+        return complain_of_usage(session, problem);
+    begin(session, &options, own);
+    if (options.help)
+        return describe_operation(session, row);
+    call_arguments arguments;
+    if (parse_arguments(row, static_cast<size_t>(count - 1), words + 1, &arguments, problem))
+        return call_operation(session, row, &arguments);
+    complain(session, EXIT_STATUS_USAGE, "%s", problem);
+    if (session->settings.format != output_format::JSON)
+        print_usage(session->errors, row);
     return EXIT_STATUS_USAGE;
 }
 
-static client_exit_status run_reference(int, char **, const client_streams *streams) {
-    print_reference(streams->out);
-    return EXIT_STATUS_SUCCESS;
-}
-
-static client_exit_status run_interface(int, char **, const client_streams *streams) {
-    print_interface(streams->out);
-    return EXIT_STATUS_SUCCESS;
-}
-
-struct client_command {
-    const char *name;
-    int words_max;  // with its own
-    client_exit_status (*run)(int count, char **words, const client_streams *streams);
-};
-
-// No operation has one of these names. Those are matched exactly, so that this stays so.
-static const client_command commands[] = {
-    {"list", 2, run_list},
-    {"help", 2, run_help},
-    {"reference", 1, run_reference},
-    {"interface", 1, run_interface},
-};
-
-static client_exit_status run_words(const call_endpoint *endpoint, const client_options *options, int count,
-                                    char **words, const client_streams *streams) {
-    for (const client_command &command : commands) {
-        if (strcmp(command.name, words[0]) != 0)
-            continue;
-        if (count <= command.words_max)
-            return command.run(count, words, streams);
-        char problem[PROBLEM_SIZE];
-        snprintf(problem, sizeof problem, "%s takes %s", command.name,
-                 command.words_max == 1 ? "nothing behind it" : "at most one word behind it");
-        return say_usage(streams->errors, problem);
+static client_exit_status run_command(client_session *session, const command_row *row, int count, char **words,
+                                      server_connection *own) {
+    parsed_options options = {session->settings, nullptr, false};
+    command_line line;
+    char problem[PROBLEM_SIZE];
+    session->speaker = row->name;
+    session->is_operation = false;
+    if (!parse_command_options(row, count, words, &options, &line, problem))
+        return complain_of_usage(session, problem);
+    begin(session, &options, own);
+    if (options.help) {
+        print_command_help(session->out, row);
+        return EXIT_STATUS_SUCCESS;
     }
-    return run_operation(endpoint, options, count, words, streams);
+    if (line.word_count >= row->words_least && line.word_count <= row->words_most)
+        return row->run(session, &line);
+    complain(session, EXIT_STATUS_USAGE, "takes %s behind it", *row->synopsis ? row->synopsis : "nothing");
+    remark(session, "Try: %s help %s\n", PROGRAM_NAME, row->name);
+    return EXIT_STATUS_USAGE;
+}
+
+// Commands are matched exactly, operations in any spelling: so no operation can ever be hidden by a command.
+client_exit_status run_words(client_session *session, int count, char **words) {
+    client_session one = *session;
+    server_connection own = {};
+    client_exit_status status = EXIT_STATUS_USAGE;
+    const command_row *command = find_command(words[0]);
+    const procedure_row *row = command ? nullptr : find_operation(words[0]);
+    if (command)
+        status = run_command(&one, command, count, words, &own);
+    else if (row)
+        status = run_operation(&one, row, count, words, &own);
+    else
+        status = complain_of_word(&one, EXIT_STATUS_USAGE, words[0]);
+    close_connection(&own);
+    return status;
+}
+
+static client_exit_status run_command_line(client_session *session, int argc, char **argv, server_connection *own) {
+    parsed_options options = {session->settings, nullptr, false};
+    char problem[PROBLEM_SIZE];
+    int used;
+    if (!parse_leading_options(argc, argv, &options, &used, problem))
+        return complain_of_usage(session, problem);
+    begin(session, &options, own);
+    if (options.help) {
+        print_program_help(session->out);
+        return EXIT_STATUS_SUCCESS;
+    }
+    if (used >= argc)
+        return complain_of_usage(session, "an operation or a command is missing");
+    return run_words(session, argc - used, argv + used);
 }
 
 client_exit_status run_client(int argc, char **argv, const call_endpoint *endpoint, FILE *out, FILE *errors) {
-    const client_streams streams = {out, errors};
-    client_options options = {DEFAULT_TIMEOUT_SECONDS, false};
-    char problem[PROBLEM_SIZE];
-    client_exit_status status = EXIT_STATUS_SUCCESS;
-    if (!parse_options(argc, argv, &options, problem))
-        return say_usage(errors, problem);
-    if (options.help)
-        print_program_help(out);
-    else if (optind >= argc)
-        return say_usage(errors, "an operation is missing");
-    else
-        status = run_words(endpoint, &options, argc - optind, argv + optind, &streams);
+    server_connection connection = new_connection(endpoint);
+    client_session session = {&connection, default_settings(out), out, errors, nullptr, false, ""};
+    server_connection own = {};
+    client_exit_status status = run_command_line(&session, argc, argv, &own);
+    close_connection(&own);
+    close_connection(&connection);
     if (fflush(out) == 0 && !ferror(out))
         return status;
     fprintf(errors, "%s: cannot write the output: %m\n", PROGRAM_NAME);
-    return status == EXIT_STATUS_SUCCESS ? EXIT_STATUS_FAILURE : status;
+    return status == EXIT_STATUS_SUCCESS ? EXIT_STATUS_LOCAL : status;
 }

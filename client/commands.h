@@ -1,18 +1,15 @@
-// The client's command line: options, commands, operations, exit status.
+// The client's command line: options, then a command or an operation with its words.
 //
 // Not thread-safe: getopt_long keeps its place in globals.
 #pragma once
 
 #include <stdio.h>
 
-#include "client/call.h"
-
-enum client_exit_status : int {
-    EXIT_STATUS_SUCCESS = 0,
-    EXIT_STATUS_FAILURE = 1,    // the server answered a failure or nonsense, or its answer could not be written
-    EXIT_STATUS_USAGE = 2,      // nothing was sent
-    EXIT_STATUS_NO_ANSWER = 3,  // whether the server acted is unknown
-};
+#include "client/session.h"
 
 // The whole program: what main does with its arguments and its two streams.
 client_exit_status run_client(int argc, char **argv, const call_endpoint *endpoint, FILE *out, FILE *errors);
+
+// One command or operation in a session that goes on: words[0] is its name. Options behind it hold for it alone. The
+// words may be reordered.
+client_exit_status run_words(client_session *session, int count, char **words);

@@ -5,7 +5,7 @@
 #include "client/arguments.h"
 #include "client/call.h"
 #include "client/names.h"
-#include "client/print.h"
+#include "client/record_fields.h"
 
 // Where the summaries of a list begin; three operations in four are shorter.
 constexpr int SUMMARY_COLUMN = 46;
@@ -16,24 +16,67 @@ constexpr int ARGUMENT_COLUMN = 14;
 // The second block of numbers begins here and has always been written in hexadecimal.
 constexpr uint32_t SECOND_BLOCK = 0x1000000;
 
+// Where the summaries of commands and options begin.
+constexpr int COMMAND_COLUMN = 28;
+
+static void print_padded(FILE *out, int width, int column) {
+    fprintf(out, "%*s", width < column ? column - width : 2, "");
+}
+
+static void print_command_line(FILE *out, const command_row *row) {
+    int width = fprintf(out, "  %s %s", row->name, row->synopsis);
+    print_padded(out, width, COMMAND_COLUMN);
+    fprintf(out, "%s\n", row->summary);
+}
+
+static void print_options(FILE *out, const option_row *rows, size_t count) {
+    for (size_t i = 0; i < count; i++) {
+        int width = rows[i].letter ? fprintf(out, "  -%c, --%s", rows[i].letter, rows[i].name)
+                                   : fprintf(out, "      --%s", rows[i].name);
+        if (rows[i].value_name)
+            width += fprintf(out, " %s", rows[i].value_name);
+        print_padded(out, width, COMMAND_COLUMN);
+        fprintf(out, "%s\n", rows[i].summary);
+    }
+}
+
+static void print_commands(FILE *out, const command_group_row *group) {
+    fprintf(out, "\n%s\n", group->title);
+    for (size_t i = 0; i < command_row_count; i++)
+        if (command_rows[i].group == group->group)
+            print_command_line(out, &command_rows[i]);
+}
+
+static void print_exit_statuses(FILE *out) {
+    fputs("\nExit status\n", out);
+    for (size_t i = 0; i < exit_status_row_count; i++)
+        fprintf(out, "  %d  %s\n", exit_status_rows[i].status, exit_status_rows[i].meaning);
+}
+
 void print_program_help(FILE *out) {
     fprintf(out,
-            "usage: %s [--timeout SECONDS] OPERATION [ARGUMENT...]\n"
-            "       %s list [WORD]        the operations, all or those with WORD in name, subject or summary\n"
-            "       %s help [OPERATION]   this text, or everything about one operation\n"
-            "       %s reference          the page of all procedures, in Markdown\n"
-            "       %s interface          the interface file for rpcgen\n"
+            "usage: %s [OPTION...] OPERATION [ARGUMENT...] [OPTION...]\n"
+            "       %s [OPTION...] COMMAND [WORD...]\n"
             "\n"
             "Calls one operation of the Wi-Fi configuration server at %s and prints its result.\n"
             "getSsid, get_ssid and wlan_get_ssid name the same operation, in any capitalisation.\n"
-            "Words behind the operation are its arguments, also when they begin with a minus sign.\n"
-            "\n"
-            "  --timeout SECONDS   wait this long for the answer, 1 to %d, %d if not given\n"
-            "  --help              this text\n"
-            "\n"
-            "Exit status: 0 success, 1 the server answered a failure, 2 bad usage, 3 no answer.\n",
-            PROGRAM_NAME, PROGRAM_NAME, PROGRAM_NAME, PROGRAM_NAME, PROGRAM_NAME, SERVICE_ADDRESS, TIMEOUT_SECONDS_MAX,
-            DEFAULT_TIMEOUT_SECONDS);
+            "As many words as the operation has arguments are its arguments, also those with a minus sign.\n",
+            PROGRAM_NAME, PROGRAM_NAME, SERVICE_ADDRESS);
+    for (size_t i = 0; i < command_group_count; i++)
+        print_commands(out, &command_groups[i]);
+    fputs("\nOptions\n", out);
+    print_options(out, global_options, global_option_count);
+    print_exit_statuses(out);
+}
+
+void print_command_help(FILE *out, const command_row *row) {
+    fprintf(out, "%s: %s\n\nusage: %s [OPTION...] %s%s%s\n", row->name, row->summary, PROGRAM_NAME, row->name,
+            *row->synopsis ? " " : "", row->synopsis);
+    if (*row->description)
+        fprintf(out, "\n%s\n", row->description);
+    fputs("\nOptions\n", out);
+    print_options(out, row->options, row->option_count);
+    print_options(out, global_options, global_option_count);
 }
 
 int print_synopsis(FILE *out, const procedure_row *row) {
@@ -63,10 +106,18 @@ static const char *output_text(output_kind kind) {
     return "";
 }
 
+static void print_word_field(FILE *out, const record_field *field, bool first) {
+    fprintf(out, "%s%s", first ? " " : ", ", field->name);
+    if (field->elements > 1)
+        fprintf(out, " (%zu)", field->elements);
+}
+
+// stats (unsigned integers word_0, rx_errors, tx_unicast, words_3_to_5 (3), ...)
 static void print_words_shape(FILE *out, const result_row *result) {
+    const record_row *record = find_record(result->type);
     fprintf(out, "%s (unsigned integers", result->name);
-    for (size_t i = 0; i < result->size / sizeof(uint32_t); i++)
-        fprintf(out, "%s %s", i ? "," : "", word_name(result->type, i));
+    for (size_t i = 0; i < record->field_count; i++)
+        print_word_field(out, &record->fields[i], i == 0);
     putc(')', out);
 }
 

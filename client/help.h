@@ -5,6 +5,7 @@
 
 #include <stdio.h>
 
+#include "client/command_table.h"
 #include "client/operations.h"
 
 // The program's name, which begins its usage lines and messages.
@@ -12,6 +13,9 @@ constexpr const char PROGRAM_NAME[] = "vlk_rpc_wlan_config_client";
 
 // How the program is called.
 void print_program_help(FILE *out);
+
+// What a command does, takes and can be told by options.
+void print_command_help(FILE *out, const command_row *row);
 
 // setSsid <index> <ssid>. Returns the number of characters.
 int print_synopsis(FILE *out, const procedure_row *row);

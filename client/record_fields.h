@@ -11,16 +11,16 @@ struct record_row;
 
 struct record_field {
     const char *name;
-    field_kind kind;
-    bool detail;  // for programs rather than for people
     size_t offset;
     size_t size;               // of the whole member, in bytes
     size_t elements;           // of an array, else 1; of LIST how many records there is room for
     size_t element_size;       // bytes of one of them
-    bool is_signed;            // of NUMBER
     const char *unit;          // "" without one
     const record_row *record;  // of LIST what it is a list of, else nullptr
     const char *count;         // of LIST the member that says how many mean something, else ""
+    field_kind kind;
+    bool is_signed;  // of NUMBER
+    bool detail;     // for programs rather than for people
 };
 
 struct record_row {

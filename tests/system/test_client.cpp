@@ -54,11 +54,11 @@ TEST_F(Client, BadUsageIsStatusTwoAndSendsNothing) {
     EXPECT_TRUE(lines_since(JOURNAL_FILE, mark).empty());
 }
 
-TEST_F(Client, ServerThatIsBusyLongerThanTheTimeoutIsStatusThree) {
+TEST_F(Client, ServerThatIsBusyLongerThanTheTimeoutIsStatusFour) {
     size_t mark = mark_of(JOURNAL_FILE);
     run_command("fault cfg slow 2");
     command_output late = client("--timeout 1 setSsid 1 late");
-    EXPECT_EQ(late.status, 3);
+    EXPECT_EQ(late.status, 4);
     EXPECT_NE(late.errors.find("no answer"), std::string::npos) << late.errors;
     run_command("fault cfg off");
     // The setter was sent once, and carried out all the same.

@@ -1,0 +1,96 @@
+#include "client/command_table.h"
+
+#include <string.h>
+
+#include "client/help.h"
+#include "client/list.h"
+#include "client/reference.h"
+
+const option_row global_options[] = {
+    {"timeout", "SECONDS", "wait this long for each answer, 1 to 3600; 25 if not given", word_kind::NUMBER, 't'},
+    {"server", "ADDRESS", "the server's address or name; 192.168.254.254 if not given", word_kind::TEXT, 's'},
+    {"output", "FORMAT", "text, json, value (bare values) or dump (every byte of a result)", word_kind::FORMAT, 'o'},
+    {"field", "NAME", "with -o value, which it implies: the values with this name, a line each", word_kind::TEXT, 'f'},
+    {"color", "WHEN", "auto, always or never; auto is a terminal without NO_COLOR", word_kind::WHEN, '\0'},
+    {"help", nullptr, "what the command or operation does and takes", word_kind::NONE, 'h'},
+};
+const size_t global_option_count = sizeof global_options / sizeof *global_options;
+
+const command_group_row command_groups[] = {
+    {command_group::OPERATIONS, "Finding an operation"}, {command_group::GATEWAY, "The gateway at a glance"},
+    {command_group::SETTINGS, "All settings at once"},   {command_group::SCRIPTS, "Many commands"},
+    {command_group::DEVELOPERS, "For other programs"},
+};
+const size_t command_group_count = sizeof command_groups / sizeof *command_groups;
+
+// A row's options and their number.
+#define NO_OPTIONS nullptr, 0
+#define OPTIONS(rows) rows, sizeof(rows) / sizeof *(rows)
+
+const command_row command_rows[] = {
+    {"list",
+     command_group::OPERATIONS,
+     "[WORD]",
+     {word_kind::SUBJECT},
+     0,
+     1,
+     NO_OPTIONS,
+     run_list,
+     "the operations, all or those with WORD in name, subject or summary",
+     ""},
+    {"describe",
+     command_group::OPERATIONS,
+     "OPERATION",
+     {word_kind::OPERATION},
+     1,
+     1,
+     NO_OPTIONS,
+     run_describe,
+     "everything about one operation: arguments, result, what it touches",
+     ""},
+    {"help",
+     command_group::OPERATIONS,
+     "[COMMAND]",
+     {word_kind::ANY_COMMAND},
+     0,
+     1,
+     NO_OPTIONS,
+     run_help,
+     "how to use the client, a command or an operation",
+     ""},
+    {"reference",
+     command_group::DEVELOPERS,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     NO_OPTIONS,
+     run_reference,
+     "the page of all procedures, in Markdown",
+     ""},
+    {"interface",
+     command_group::DEVELOPERS,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     NO_OPTIONS,
+     run_interface,
+     "the interface file for rpcgen",
+     ""},
+};
+const size_t command_row_count = sizeof command_rows / sizeof *command_rows;
+
+const command_row *find_command(const char *name) {
+    for (const command_row &row : command_rows)
+        if (strcmp(row.name, name) == 0)
+            return &row;
+    return nullptr;
+}
+
+const char *option_value(const command_line *line, const char *name) {
+    for (size_t i = 0; i < COMMAND_OPTIONS_MAX && line->options; i++)
+        if (line->values[i] && strcmp(line->options[i].name, name) == 0)
+            return line->values[i];
+    return nullptr;
+}

@@ -1,0 +1,104 @@
+#include "client/list.h"
+
+#include <string.h>
+
+#include "client/help.h"
+#include "client/names.h"
+#include "client/reference.h"
+
+client_exit_status complain_of_word(client_session *session, client_exit_status status, const char *word) {
+    const procedure_row *suggestions[SUGGESTIONS_MAX];
+    size_t count = suggest_operations(word, suggestions);
+    value *answer = new_answer(session);
+    value *meant = add_list(answer, "suggestions");
+    char problem[PROBLEM_SIZE];
+    int length = snprintf(problem, sizeof problem, "there is no operation \"%.64s\"", word);
+    for (size_t i = 0; i < count; i++) {
+        char name[OPERATION_NAME_SIZE];
+        operation_name(suggestions[i], name);
+        add_string(meant, nullptr, name);
+        length += snprintf(problem + length, sizeof problem - static_cast<size_t>(length), "%s%s%s",
+                           i == 0 ? "\nDid you mean " : ", ", name, i + 1 == count ? "?" : "");
+    }
+    snprintf(problem + length, sizeof problem - static_cast<size_t>(length), "\nTry: %s list", PROGRAM_NAME);
+    return complain_in(session, answer, status, problem);
+}
+
+static void add_arguments(value *to, const procedure_row *row) {
+    value *arguments = add_list(to, "arguments");
+    for (size_t i = 0; i < row->argument_count; i++) {
+        value *argument = add_object(arguments, nullptr);
+        add_string(argument, "name", row->arguments[i].name);
+        add_string(argument, "accepts", accepted_text(row->arguments[i].kind));
+    }
+}
+
+static value *described(const procedure_row *row) {
+    value *made = new_object();
+    char name[OPERATION_NAME_SIZE];
+    operation_name(row, name);
+    add_string(made, "operation", name);
+    add_string(made, "summary", row->summary);
+    add_string(made, "procedure", row->name);
+    add_unsigned(made, "number", row->number);
+    add_string(made, "subject", row->subject);
+    add_arguments(made, row);
+    return made;
+}
+
+static client_exit_status list_for_programs(client_session *session, const char *word) {
+    value *result = new_object();
+    value *operations = add_list(result, "operations");
+    for (size_t i = 0; i < procedure_row_count; i++)
+        if (operation_matches(&procedure_rows[i], word))
+            add_value(operations, nullptr, described(&procedure_rows[i]));
+    if (operations->first)
+        return show(session, result);
+    free_value(result);
+    return complain(session, EXIT_STATUS_NOT_FOUND, "no operation has \"%s\" in its name, subject or summary", word);
+}
+
+client_exit_status run_list(client_session *session, const command_line *line) {
+    const char *word = line->word_count == 0 ? "" : line->words[0];
+    if (session->settings.format != output_format::TEXT)
+        return list_for_programs(session, word);
+    if (print_list(session->out, word) > 0)
+        return EXIT_STATUS_SUCCESS;
+    return complain(session, EXIT_STATUS_NOT_FOUND, "no operation has \"%s\" in its name, subject or summary", word);
+}
+
+client_exit_status describe_operation(client_session *session, const procedure_row *row) {
+    if (session->settings.format != output_format::TEXT)
+        return show(session, described(row));
+    print_operation_help(session->out, row);
+    return EXIT_STATUS_SUCCESS;
+}
+
+client_exit_status run_describe(client_session *session, const command_line *line) {
+    const procedure_row *row = find_operation(line->words[0]);
+    if (row)
+        return describe_operation(session, row);
+    return complain_of_word(session, EXIT_STATUS_NOT_FOUND, line->words[0]);
+}
+
+client_exit_status run_help(client_session *session, const command_line *line) {
+    if (line->word_count == 0) {
+        print_program_help(session->out);
+        return EXIT_STATUS_SUCCESS;
+    }
+    const command_row *command = find_command(line->words[0]);
+    if (!command)
+        return run_describe(session, line);
+    print_command_help(session->out, command);
+    return EXIT_STATUS_SUCCESS;
+}
+
+client_exit_status run_reference(client_session *session, const command_line *) {
+    print_reference(session->out);
+    return EXIT_STATUS_SUCCESS;
+}
+
+client_exit_status run_interface(client_session *session, const command_line *) {
+    print_interface(session->out);
+    return EXIT_STATUS_SUCCESS;
+}

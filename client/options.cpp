@@ -1,0 +1,162 @@
+#include "client/options.h"
+
+#include <getopt.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+// Global options are numbered from here, a command's own behind them.
+constexpr int FIRST_GLOBAL = 0x100;
+constexpr int FIRST_OWN = 0x200;
+
+constexpr size_t ALL_OPTIONS_MAX = 16;
+
+// "+:" or ":", then each letter with a ':' where a value follows, and the NUL.
+constexpr size_t LETTERS_SIZE = 2 + 2 * ALL_OPTIONS_MAX + 1;
+
+struct getopt_tables {
+    option options[ALL_OPTIONS_MAX + 1];
+    size_t count;
+    char letters[LETTERS_SIZE];
+};
+
+static bool wants_colour(bool terminal) {
+    const char *no_color = getenv("NO_COLOR");
+    return terminal && !(no_color && *no_color);
+}
+
+client_settings default_settings(FILE *out) {
+    bool terminal = isatty(fileno(out));
+    return {DEFAULT_TIMEOUT_SECONDS, output_format::TEXT, nullptr, terminal, wants_colour(terminal)};
+}
+
+static void add_options(getopt_tables *tables, const option_row *rows, size_t count, int first) {
+    for (size_t i = 0; i < count && tables->count < ALL_OPTIONS_MAX; i++) {
+        bool valued = rows[i].value_name;
+        tables->options[tables->count++] = {rows[i].name, valued ? required_argument : no_argument, nullptr,
+                                            first + static_cast<int>(i)};
+        if (rows[i].letter)
+            snprintf(tables->letters + strlen(tables->letters), 3, "%c%s", rows[i].letter, valued ? ":" : "");
+    }
+}
+
+// What an option that getopt found is in a list of rows that begins with the number `first`; nullptr for none of them.
+static const option_row *found_row(const option_row *rows, size_t count, int found, int first) {
+    for (size_t i = 0; i < count; i++)
+        if (found == first + static_cast<int>(i) || (rows[i].letter && found == rows[i].letter))
+            return &rows[i];
+    return nullptr;
+}
+
+static bool parse_timeout(char *word, int *seconds) {
+    argument_value parsed;
+    if (!parse_argument(argument_kind::UINT, word, &parsed) || parsed.number < 1 || parsed.number > TIMEOUT_SECONDS_MAX)
+        return false;
+    *seconds = static_cast<int>(parsed.number);
+    return true;
+}
+
+static bool parse_format(const char *word, output_format *format) {
+    static const struct {
+        const char *word;
+        output_format format;
+    } formats[] = {
+        {"text", output_format::TEXT},
+        {"json", output_format::JSON},
+        {"value", output_format::VALUE},
+        {"dump", output_format::DUMP},
+    };
+    for (const auto &known : formats)
+        if (strcmp(known.word, word) == 0) {
+            *format = known.format;
+            return true;
+        }
+    return false;
+}
+
+static bool parse_colour(const char *word, client_settings *settings) {
+    bool always = strcmp(word, "always") == 0;
+    bool automatic = strcmp(word, "auto") == 0;
+    if (!always && !automatic && strcmp(word, "never") != 0)
+        return false;
+    settings->colour = always || (automatic && wants_colour(settings->terminal));
+    return true;
+}
+
+static bool wrong_value(const option_row *row, const char *word, const char *wanted, char problem[PROBLEM_SIZE]) {
+    snprintf(problem, PROBLEM_SIZE, "--%s is \"%s\", but has to be %s", row->name, word, wanted);
+    return false;
+}
+
+static bool take_global_option(const option_row *row, char *word, parsed_options *options, char problem[PROBLEM_SIZE]) {
+    client_settings *settings = &options->settings;
+    if (strcmp(row->name, "timeout") == 0) {
+        if (!parse_timeout(word, &settings->timeout_seconds))
+            return wrong_value(row, word, "a number of seconds from 1 to 3600", problem);
+    } else if (strcmp(row->name, "server") == 0) {
+        options->server = word;
+    } else if (strcmp(row->name, "output") == 0) {
+        if (!parse_format(word, &settings->format))
+            return wrong_value(row, word, "text, json, value or dump", problem);
+    } else if (strcmp(row->name, "field") == 0) {
+        settings->field = word;
+        settings->format = output_format::VALUE;
+    } else if (strcmp(row->name, "color") == 0) {
+        if (!parse_colour(word, settings))
+            return wrong_value(row, word, "auto, always or never", problem);
+    } else {
+        options->help = true;
+    }
+    return true;
+}
+
+// `found` is what getopt_long made of the wrong option: '?' for none that there is, ':' for a missing value.
+static void describe_wrong_option(int found, char **words, char problem[PROBLEM_SIZE]) {
+    bool is_short = optopt > 0 && optopt < FIRST_GLOBAL;
+    const char *word = words[optind - 1];
+    if (is_short)
+        snprintf(problem, PROBLEM_SIZE, "-%c %s", optopt, found == ':' ? "needs a value" : "is no option");
+    else
+        snprintf(problem, PROBLEM_SIZE, "%s %s", word, found == ':' ? "needs a value" : "is no option");
+}
+
+static bool parse_options(const command_row *row, const char *mode, int count, char **words, parsed_options *options,
+                          const char **own_values, char problem[PROBLEM_SIZE]) {
+    getopt_tables tables = {};
+    snprintf(tables.letters, sizeof tables.letters, "%s", mode);
+    add_options(&tables, global_options, global_option_count, FIRST_GLOBAL);
+    if (row)
+        add_options(&tables, row->options, row->option_count, FIRST_OWN);
+    optind = 0;  // start afresh
+    opterr = 0;
+    for (int found; (found = getopt_long(count, words, tables.letters, tables.options, nullptr)) >= 0;) {
+        const option_row *own = row ? found_row(row->options, row->option_count, found, FIRST_OWN) : nullptr;
+        const option_row *global = found_row(global_options, global_option_count, found, FIRST_GLOBAL);
+        if (own) {
+            own_values[own - row->options] = own->value_name ? optarg : "";
+        } else if (!global) {
+            describe_wrong_option(found, words, problem);
+            return false;
+        } else if (!take_global_option(global, optarg, options, problem)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool parse_leading_options(int count, char **words, parsed_options *options, int *used, char problem[PROBLEM_SIZE]) {
+    bool parsed = parse_options(nullptr, "+:", count, words, options, nullptr, problem);
+    *used = optind;
+    return parsed;
+}
+
+bool parse_command_options(const command_row *row, int count, char **words, parsed_options *options, command_line *line,
+                           char problem[PROBLEM_SIZE]) {
+    *line = {row->options, {}, 0, nullptr};
+    bool whole_line = row->words[0] == word_kind::COMMAND_LINE;  // whose options are its own
+    if (!parse_options(row, whole_line ? "+:" : ":", count, words, options, line->values, problem))
+        return false;
+    line->word_count = static_cast<size_t>(count - optind);
+    line->words = words + optind;
+    return true;
+}

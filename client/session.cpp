@@ -1,0 +1,90 @@
+#include "client/session.h"
+
+#include <stdarg.h>
+
+#include "client/help.h"
+#include "client/render.h"
+
+value *new_answer(const client_session *session) {
+    value *answer = new_object();
+    if (session->speaker)
+        add_string(answer, session->is_operation ? "operation" : "command", session->speaker);
+    return answer;
+}
+
+static client_exit_status show_value(client_session *session, const value *result) {
+    const char *field = session->settings.field;
+    size_t count = render_values(session->out, result, field);
+    if (field && count == 0)
+        return complain(session, EXIT_STATUS_NOT_FOUND, "the result has no \"%s\"", field);
+    if (!field && count > 1)
+        return complain(session, EXIT_STATUS_USAGE, "the result has %zu values: choose one by its name with --field",
+                        count);
+    return EXIT_STATUS_SUCCESS;
+}
+
+client_exit_status show(client_session *session, value *result) {
+    client_exit_status status = EXIT_STATUS_SUCCESS;
+    const text_options options = {session->settings.terminal, session->settings.colour};
+    switch (session->settings.format) {
+        case output_format::TEXT:
+        case output_format::DUMP:
+            render_text(session->out, result, &options);
+            free_value(result);
+            break;
+        case output_format::JSON: {
+            value *answer = new_answer(session);
+            if (session->is_operation)
+                add_number(answer, "code", WLAN_CONFIG_SUCCESS);
+            add_value(answer, "result", result);
+            render_json(session->out, answer);
+            free_value(answer);
+            break;
+        }
+        case output_format::VALUE:
+            status = show_value(session, result);
+            free_value(result);
+            break;
+    }
+    fflush(session->out);
+    return status;
+}
+
+client_exit_status complain_in(client_session *session, value *answer, client_exit_status status, const char *problem) {
+    fflush(session->out);  // what is there of a result comes first, also where both streams go to one place
+    if (session->settings.format == output_format::JSON) {
+        value *error = add_object(answer, "error");
+        add_number(error, "status", status);
+        add_string(error, "kind", exit_status_word(status));
+        add_string(error, "message", problem);
+        render_json(session->out, answer);
+        fflush(session->out);
+    } else {
+        fprintf(session->errors, "%s: %s\n", session->speaker ? session->speaker : PROGRAM_NAME, problem);
+    }
+    free_value(answer);
+    return status;
+}
+
+client_exit_status complain(client_session *session, client_exit_status status, const char *format, ...) {
+    char problem[PROBLEM_SIZE];
+    va_list arguments;
+    va_start(arguments, format);
+    vsnprintf(problem, sizeof problem, format, arguments);
+    va_end(arguments);
+    return complain_in(session, new_answer(session), status, problem);
+}
+
+client_exit_status complain_of_call(client_session *session, client_exit_status status) {
+    return complain(session, status, "%s", session->problem);
+}
+
+void remark(client_session *session, const char *format, ...) {
+    if (session->settings.format == output_format::JSON)
+        return;
+    va_list arguments;
+    va_start(arguments, format);
+    vfprintf(session->errors, format, arguments);
+    va_end(arguments);
+    fflush(session->errors);
+}

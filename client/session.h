@@ -1,0 +1,51 @@
+// What one run of the client has in common: the server, how to answer, and where to.
+//
+// Commands get a session, make a tree of values of what they have to say, and hand it to show(); whatever goes wrong is
+// said by complain(), which also gives the exit status. So every command speaks text, JSON and bare values alike.
+#pragma once
+
+#include <stdio.h>
+
+#include "client/call.h"
+#include "client/exit_status.h"
+#include "client/value.h"
+
+enum class output_format { TEXT, JSON, VALUE, DUMP };
+
+struct client_settings {
+    int timeout_seconds;  // of one call
+    output_format format;
+    const char *field;  // of VALUE: whose values, nullptr for the only one
+    bool terminal;      // standard output is one
+    bool colour;
+};
+
+struct client_session {
+    server_connection *connection;
+    client_settings settings;
+    FILE *out;
+    FILE *errors;
+    const char *speaker;         // the operation or command that is carried out
+    bool is_operation;           // what the speaker is
+    char problem[PROBLEM_SIZE];  // what went wrong with the last call
+};
+
+// {"operation":"setSsid"} or {"command":"status"}, to which result and error are added. The caller owns it.
+value *new_answer(const client_session *session);
+
+// Prints a result (an object) in the session's format and frees it; flushes, since a reader may wait for each line of a
+// stream. EXIT_STATUS_SUCCESS, or what went wrong with picking a bare value.
+client_exit_status show(client_session *session, value *result);
+
+// Says that something failed, on standard error; as JSON on standard output, where programs look. Gives back `status`.
+__attribute__((format(printf, 3, 4))) client_exit_status complain(client_session *session, client_exit_status status,
+                                                                  const char *format, ...);
+
+// The same with the answer that has been made so far: {"operation":"getSsid","code":-1,...}. Frees it.
+client_exit_status complain_in(client_session *session, value *answer, client_exit_status status, const char *problem);
+
+// Says what session->problem has: what the last call ended with.
+client_exit_status complain_of_call(client_session *session, client_exit_status status);
+
+// Prints something that is neither result nor error, such as progress, on standard error and for people only.
+__attribute__((format(printf, 2, 3))) void remark(client_session *session, const char *format, ...);

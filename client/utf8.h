@@ -1,0 +1,16 @@
+// Names of networks are 32 bytes of anything. What of it is UTF-8, and what a terminal may see.
+//
+// Pure functions.
+#pragma once
+
+#include <stddef.h>
+
+// Length in bytes of the well-formed UTF-8 character that the text begins with; 0 when it begins with anything else
+// (overlong forms, surrogates and numbers beyond Unicode included) or is empty.
+size_t utf8_length(const char *text, size_t length);
+
+// Whether all of it is UTF-8.
+bool is_utf8(const char *text, size_t length);
+
+// Whether a terminal would obey the character that begins here instead of showing it: C0 and C1 controls and DEL.
+bool is_control_character(const char *text, size_t length);
