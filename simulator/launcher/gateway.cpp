@@ -30,8 +30,11 @@
 #include "simulator/scenario.h"
 #include "simulator/wps_files.h"
 
+constexpr const char TOOLS_NAME[] = "vlk_gateway_tools";
+
 struct options {
-    char home[PATH_MAX];  // the launcher's own folder in the build tree
+    char home[PATH_MAX];   // the launcher's own folder
+    char parts[PATH_MAX];  // that of its tools, driver library, scenarios and tour
     char scenario[PATH_MAX];
     char server[PATH_MAX];
     char client[PATH_MAX];
@@ -93,17 +96,37 @@ static void find_program(const char *name, char *path) {
     path[0] = '\0';
 }
 
+// Where the rest is, from the launcher's own folder.
+struct layout {
+    const char *parts;
+    const char *server;
+    const char *client;
+};
+
+static const layout BUILD_TREE = {".", "../server/vlk_rpc_wlan_config_server", "../client/vlk_rpc_wlan_config_client"};
+static const layout INSTALLED = {INSTALLED_PARTS, INSTALLED_SBIN "/vlk_rpc_wlan_config_server",
+                                 INSTALLED_SBIN "/vlk_rpc_wlan_config_client"};
+
+// In a build tree the tools are beside the launcher; where it is installed they are out of everybody's PATH.
+static const layout *find_layout(const char *home) {
+    char tools[PATH_MAX];
+    set_beside(tools, home, TOOLS_NAME);
+    return access(tools, F_OK) == 0 ? &BUILD_TREE : &INSTALLED;
+}
+
 static bool set_defaults(options *given) {
     ssize_t length = readlink("/proc/self/exe", given->home, sizeof given->home - 1);
     if (length < 0)
         return complain("/proc/self/exe", strerror(errno));
     given->home[length] = '\0';
     *strrchr(given->home, '/') = '\0';
-    set_beside(given->scenario, given->home, "scenarios/home.scn");
-    set_beside(given->server, given->home, "../server/vlk_rpc_wlan_config_server");
-    set_beside(given->client, given->home, "../client/vlk_rpc_wlan_config_client");
-    set_beside(given->driver, given->home, "libvlk_gateway_driver.so");
-    set_beside(given->tools, given->home, "vlk_gateway_tools");
+    const layout *places = find_layout(given->home);
+    set_beside(given->parts, given->home, places->parts);
+    set_beside(given->scenario, given->parts, "scenarios/home.scn");
+    set_beside(given->server, given->home, places->server);
+    set_beside(given->client, given->home, places->client);
+    set_beside(given->driver, given->parts, "libvlk_gateway_driver.so");
+    set_beside(given->tools, given->parts, TOOLS_NAME);
     find_program("rpcbind", given->rpcbind);
     if (getcwd(given->work, sizeof given->work) == nullptr)
         snprintf(given->work, sizeof given->work, "/");
@@ -161,18 +184,24 @@ static void find_rpcinfo(options *given) {
     given->rpcinfo[0] = '\0';
 }
 
-static bool check_program(const char *path, const char *what, const char *remedy) {
+// Whether there is a file that may be run, or that may be read (mode as for access).
+static bool check_file(const char *path, int mode, const char *what, const char *remedy) {
     struct stat status;
-    if (stat(path, &status) == 0 && S_ISREG(status.st_mode) && access(path, X_OK) == 0)
+    if (stat(path, &status) == 0 && S_ISREG(status.st_mode) && access(path, mode) == 0)
         return true;
     fprintf(stderr, "vlk_simulated_gateway: there is no %s%s%s; %s\n", what, path[0] != '\0' ? " at " : "", path,
             remedy);
     return false;
 }
 
+static bool check_program(const char *path, const char *what, const char *remedy) {
+    return check_file(path, X_OK, what, remedy);
+}
+
 static bool check_programs(const options *given) {
+    // Where the library is installed it need not be executable.
     if (!check_program(given->tools, "tools program", "build the target vlk_gateway_tools") ||
-        !check_program(given->driver, "driver library", "build the target vlk_gateway_driver"))
+        !check_file(given->driver, R_OK, "driver library", "build the target vlk_gateway_driver"))
         return false;
     return given->bare ||
            (check_program(given->server, "server", "build it, or name one with --server") &&
@@ -260,10 +289,11 @@ static void set_environment(const options *given) {
 
 static bool build_gateway(const options *given, const scenario *scene, const char *text, size_t length) {
     kept_directories kept = {};
-    char build_tree[PATH_MAX];
-    set_beside(build_tree, given->home, "..");
-    keep_visible(&kept, build_tree);
-    const char *const programs[] = {given->server, given->client, given->rpcbind, given->rpcinfo, given->home};
+    // The build tree, or the prefix, which has the server's libraries too.
+    char tree[PATH_MAX];
+    set_beside(tree, given->home, "..");
+    keep_visible(&kept, tree);
+    const char *const programs[] = {given->server, given->client, given->rpcbind, given->rpcinfo, given->tools};
     for (const char *program : programs) {
         char folder[PATH_MAX];
         snprintf(folder, sizeof folder, "%s", program);
@@ -328,7 +358,7 @@ static void take_terminal(pid_t group) {
         become_shell();
     if (strcmp(given->command[0], "tour") == 0) {
         char script[PATH_MAX];
-        set_beside(script, given->home, "tour.sh");
+        set_beside(script, given->parts, "tour.sh");
         execl("/bin/sh", "sh", script, (char *)nullptr);
         complain(script, strerror(errno));
     } else {

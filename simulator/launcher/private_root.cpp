@@ -180,8 +180,15 @@ static bool cover_host_directories(void) {
     return true;
 }
 
-// Puts a link where something of the host's may stand.
+// Puts a link where something of the host's may stand. A program that is installed under the very path is meant as the
+// host has it: the path itself is going to be the link.
 static bool place_link(const char *target, const char *path) {
+    char installed[PATH_MAX];
+    if (strcmp(target, path) == 0) {
+        if (snprintf(installed, sizeof installed, "%s%s", HOST_ROOT, target) >= (int)sizeof installed)
+            return false;
+        target = installed;
+    }
     unlink(path);
     return symlink(target, path) == 0 || refused(path, CONTAINER_REMEDY);
 }

@@ -9,7 +9,17 @@ shift
 shown=$(mktemp)
 known=$(mktemp)
 trap 'rm -f "$shown" "$known"' EXIT
-awk '/^```console$/ { inside = 1; next } /^```/ { inside = 0 } inside && NF { print }' "$@" | sort -u >"$shown"
+# Where a block's first line begins with a prompt, only such lines are commands; the others are what to type there.
+awk '
+    /^```console$/ { inside = 1; first = 1; next }
+    /^```/ { inside = 0 }
+    inside && NF {
+        if (first) prompted = sub(/^# /, "# ")
+        first = 0
+        if (prompted && !sub(/^# /, "")) next
+        sub(/   +[A-Za-z ]*$/, "")  # a remark behind it
+        print
+    }' "$@" | sort -u >"$shown"
 grep -v '^#' "$list" | cut -f 1 | sort -u >"$known"
 diff "$known" "$shown"
 # A command in an indented block would be seen by neither of the two tests.
