@@ -4,8 +4,10 @@
 
 #include "client/arguments.h"
 #include "client/call.h"
+#include "client/command_table.h"
 #include "client/names.h"
 #include "client/record_fields.h"
+#include "client/touches.h"
 
 // Where the summaries of a list begin; three operations in four are shorter.
 constexpr int SUMMARY_COLUMN = 46;
@@ -187,6 +189,7 @@ void print_operation_help(FILE *out, const procedure_row *row) {
         fprintf(out, "back end   %s in %s.cpp\n", row->back_end, row->room);
     else
         fputs("back end   none\n", out);
+    print_touches(out, row);
 }
 
 static void print_list_line(FILE *out, const procedure_row *row) {

@@ -5,8 +5,9 @@
 
 #include <stdio.h>
 
-#include "client/command_table.h"
 #include "client/operations.h"
+
+struct command_row;
 
 // The program's name, which begins its usage lines and messages.
 constexpr const char PROGRAM_NAME[] = "vlk_rpc_wlan_config_client";

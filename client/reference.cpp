@@ -5,6 +5,7 @@
 
 #include "client/help.h"
 #include "client/names.h"
+#include "client/touches.h"
 #include "server/wire.h"
 
 static const char REFERENCE_HEAD[] =
@@ -101,9 +102,82 @@ static void print_unassigned_row(FILE *out, const unassigned_range *range) {
     fputs(" | *unassigned* | | | | | | |\n", out);
 }
 
+static const char TOUCHES_HEAD[] =
+    "\n"
+    "## What each procedure touches\n"
+    "\n"
+    "This was not written by hand: each procedure was called once, as shown, in a simulated gateway of its own, and\n"
+    "these are the events of that gateway's journal (`client/touches.def` has them too). "
+    "`scripts/update-documents.sh`\n"
+    "records them anew. With other arguments, or on a gateway in another state, a procedure may touch more, or less.\n"
+    "\n"
+    "- **looks up, writes**: keys of the store. Index 1 has the bare key, and so have settings of the whole device;\n"
+    "  index i is `KEY_i`. Settings of a radio stand under `KEY` for the 5 GHz radio and `KEY_2` for the 2.4 GHz "
+    "radio,\n"
+    "  to which VAP 1 belongs. A key that was looked up need not be there.\n"
+    "- **runs**: shell commands as the server hands them over, each once, in the order of their first run. Keys are\n"
+    "  written by `cfg -a`. `PID` stands for a process id. What scripts, tools and daemons do in their turn is not "
+    "shown;\n"
+    "  what the thread does that a lifecycle request starts is.\n"
+    "- **files**: what the server opens itself below `/tmp` and `/nvram`, but for reading the store.\n"
+    "- **ioctls**: the interface and the request; behind a dot the command of a request that has several.\n"
+    "- **messages**: datagrams to helper daemons, the process and the text, and what goes to the event library.\n"
+    "\n"
+    "| number | call | looks up | writes | runs | files | ioctls | messages |\n"
+    "|---|---|---|---|---|---|---|---|\n";
+
+// A text in code type. A bar would end the cell.
+static void print_code(FILE *out, const char *text) {
+    putc('`', out);
+    for (; *text; text++) {
+        if (*text == '|')
+            putc('\\', out);
+        putc(*text, out);
+    }
+    putc('`', out);
+}
+
+// Items of a cell, behind those that are there already. Returns how many there are.
+static size_t print_items(FILE *out, const char *const *items, const char *between, size_t count) {
+    for (; *items; items++) {
+        fputs(count++ ? between : "", out);
+        print_code(out, *items);
+    }
+    return count;
+}
+
+static void print_touches_row(FILE *out, const procedure_row *row, const touch_row *touches) {
+    fputs("| ", out);
+    print_number(out, row->number);
+    fputs(" | `", out);
+    print_sample(out, row, touches);
+    fputs("` | ", out);
+    print_items(out, touches->reads, " ", 0);
+    fputs(" | ", out);
+    print_items(out, touches->writes, " ", 0);
+    fputs(" | ", out);
+    print_items(out, touches->commands, "<br>", 0);
+    fputs(" | ", out);
+    print_items(out, touches->files, "<br>", 0);
+    fputs(" | ", out);
+    print_items(out, touches->requests, "<br>", 0);
+    fputs(" | ", out);
+    size_t count = print_items(out, touches->datagrams, "<br>", 0);
+    print_items(out, touches->messages, "<br>", count);
+    fputs(" |\n", out);
+}
+
+static void print_touches_table(FILE *out) {
+    fputs(TOUCHES_HEAD, out);
+    for (size_t i = 0; i < procedure_row_count; i++) {
+        const touch_row *touches = find_touches(procedure_rows[i].number);
+        if (touches)
+            print_touches_row(out, &procedure_rows[i], touches);
+    }
+}
+
 // Both lists ascend, so each hole stands before the first procedure behind it.
-void print_reference(FILE *out) {
-    fputs(REFERENCE_HEAD, out);
+static void print_names_table(FILE *out) {
     size_t hole = 0;
     for (size_t i = 0; i < procedure_row_count; i++) {
         for (; hole < unassigned_range_count && unassigned_ranges[hole].first < procedure_rows[i].number; hole++)
@@ -112,6 +186,12 @@ void print_reference(FILE *out) {
     }
     for (; hole < unassigned_range_count; hole++)
         print_unassigned_row(out, &unassigned_ranges[hole]);
+}
+
+void print_reference(FILE *out) {
+    fputs(REFERENCE_HEAD, out);
+    print_names_table(out);
+    print_touches_table(out);
 }
 
 static const char INTERFACE_HEAD[] =

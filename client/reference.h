@@ -5,7 +5,7 @@
 
 #include <stdio.h>
 
-// A page with one table row for each procedure, with every name derived from its row in full.
+// A page with two tables of all procedures: every name derived from its row in full, and what it touches.
 void print_reference(FILE *out);
 
 // The interface of the server in the RPC language, for rpcgen -N.

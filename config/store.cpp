@@ -21,6 +21,11 @@ constexpr size_t STORE_BLOCK_SIZE = 64 << 10;
 // Room for every key with its suffix and "=".
 constexpr size_t SEARCH_KEY_SIZE = 256;
 
+// Told the key of each look-up, with its "=", before it is made, where something in the process defines it: the
+// library that the simulated gateway preloads into the server does, for its journal, since a look-up runs no tool that
+// could be watched. A gateway has no such function, and the address is null there.
+extern "C" __attribute__((weak)) void wlan_store_key_read(const char *search_key);
+
 // A window on the store file: block[begin..end) is read and not yet used.
 struct store_window {
     int file;
@@ -157,6 +162,9 @@ void unlock_store(int lock) {
 }
 
 int getWifiParam(const char *search_key, char *value, size_t size) {
+    if (wlan_store_key_read) {
+        wlan_store_key_read(search_key);
+    }
     int lock = lock_store();
     int file = open(STORE_FILE, O_RDONLY | O_CLOEXEC);
     if (file < 0) {

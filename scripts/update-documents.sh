@@ -1,7 +1,17 @@
 #!/bin/sh
-# Writes the documents that follow from the table of procedures, with the client of a build folder.
+# Writes what follows from the table of procedures, with a build folder: first client/touches.def, the record of what
+# each procedure touches in the simulated gateway; then, by a client that has it, the documents.
 set -eu
 cd "$(dirname "$0")/.."
-client=$1/client/vlk_rpc_wlan_config_client
+. scripts/common.sh
+find_rpcbind
+build=$1
+client=$build/client/vlk_rpc_wlan_config_client
+cmake --build "$build" --target record_touches
+sh tests/checks/touches.sh "$build/tests/record_touches" "$build/simulator/vlk_simulated_gateway" \
+    --rpcbind "$rpcbind" >"$build/touches.def"
+# One that is as it was is left alone, so that nothing is compiled again for it.
+cmp -s "$build/touches.def" client/touches.def || cp "$build/touches.def" client/touches.def
+cmake --build "$build" --target vlk_rpc_wlan_config_client
 "$client" reference >docs/procedures.md
 "$client" interface >docs/wlan_config.x

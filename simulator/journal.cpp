@@ -96,6 +96,25 @@ void journal_shell(const char *door, const char *command) {
     end_line(&line);
 }
 
+void journal_read(const char *search_key) {
+    journal_line line;
+    if (!begin_line(&line))
+        return;
+    fputs("read ", line.stream);
+    for (; *search_key != '\0' && *search_key != '='; search_key++)
+        append_byte(line.stream, (unsigned char)*search_key);
+    end_line(&line);
+}
+
+void journal_file(const char *purpose, const char *path) {
+    journal_line line;
+    if (!begin_line(&line))
+        return;
+    fprintf(line.stream, "file %s ", purpose);
+    append_text(line.stream, path);
+    end_line(&line);
+}
+
 void journal_run(const char *tool, int argument_count, char *const *arguments) {
     journal_line line;
     if (!begin_line(&line))

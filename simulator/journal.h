@@ -13,6 +13,12 @@
 // "popen TEXT" and "system TEXT": a shell command as it was handed over.
 void journal_shell(const char *door, const char *command);
 
+// "read KEY": a setting was looked up in the store; what follows the first "=" of the search key is not shown.
+void journal_read(const char *search_key);
+
+// "file read PATH" and "file write PATH": the server opened a file of its own accord.
+void journal_file(const char *purpose, const char *path);
+
 // "run TOOL ARG...": a tool was started. An argument that is not made of plain characters only stands in double
 // quotes, with \" for a quote inside.
 void journal_run(const char *tool, int argument_count, char *const *arguments);

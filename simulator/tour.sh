@@ -20,11 +20,15 @@ show() {
     printf '%s\n' "$line"
 }
 
-# Prints what the gateway has done since the last time.
+# Prints what the gateway has done since the last time. Keys that were looked up one after another share a line.
 shown=$(wc -l <"$journal")
 show_journal() {
     lines=$(wc -l <"$journal")
-    head -n "$lines" "$journal" | tail -n "+$((shown + 1))" | sed 's/^/      /'
+    head -n "$lines" "$journal" | tail -n "+$((shown + 1))" | awk '
+        /^read / { if (!count++) printf "      read"; printf " %s", $2; next }
+        count { print ""; count = 0 }
+        { print "      " $0 }
+        END { if (count) print "" }'
     shown=$lines
 }
 

@@ -1,7 +1,8 @@
-// The doors through which the server leaves its process besides ioctls: the shell and the system log.
+// The doors through which the server leaves its process besides ioctls: the shell, the system log and the store.
 //
 // Interposes popen(), system() and syslog(). What goes through the first two is written down and goes on; a line for
-// the system log is only written down, as nobody listens for it inside the gateway.
+// the system log is only written down, as nobody listens for it inside the gateway. The server reads the store itself
+// and tells wlan_store_key_read(), which is here and nowhere else, what it looks for.
 #include "simulator/preload/doors.h"
 
 #include <dlfcn.h>
@@ -66,6 +67,11 @@ __attribute__((visibility("default"), format(printf, 2, 3))) void syslog(int, co
     va_start(arguments, format);
     write_down(format, arguments);
     va_end(arguments);
+}
+
+// Called by config/store.cpp for each look-up, on any thread.
+__attribute__((visibility("default"))) void wlan_store_key_read(const char *search_key) {
+    journal_read(search_key);
 }
 
 // What syslog() is called by in programs that were built with checks.

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <stdlib.h>
 #include <string.h>
 
 #include <string>
@@ -25,25 +26,56 @@ inline std::vector<procedure_row> rows_of_lifecycle(bool lifecycle) {
     return rows;
 }
 
-inline bytes sample_argument(argument_kind kind) {
-    switch (kind) {
-        case argument_kind::VAP:
-        case argument_kind::INT:
-        case argument_kind::IGNORED:
-        case argument_kind::UINT:
-        case argument_kind::BOOL:
-        case argument_kind::USHORT:
-            return xdr_word(1);
-        case argument_kind::TEXT:
-            return xdr_string_bytes("word");
-    }
-    return "";
+// Words for arguments for which not just any will do: an operation that refuses its arguments shows little of itself.
+// procedure is null where the name alone says it.
+struct sample {
+    const char *procedure;
+    const char *argument;
+    const char *word;
+};
+
+constexpr sample SAMPLES[] = {
+    {nullptr, "bssid", "00:03:7F:10:00:05"},  // VAP 9 of the simulated gateway
+    {nullptr, "mac", "28:6A:BA:4C:10:01"},    // a station of its VAP 1
+    {nullptr, "address", "192.168.0.10"},
+    {nullptr, "country", "US"},
+    {nullptr, "dbm", "-60"},
+    {nullptr, "list_name", "steerlist"},
+    {nullptr, "methods", "PushButton"},
+    {nullptr, "pin", "12345670"},
+    {nullptr, "standard", "bgn"},
+    {"wlan_set_basic_authentication_modes", "modes", "SharedAuthentication"},
+    {"wlan_set_basic_encryption_modes", "modes", "WEPEncryption"},
+    {"wlan_set_beacon_type", "type", "11i"},
+    {"wlan_set_implicit_beamforming_enable", "index", "0"},
+    {"wlan_set_wep_key", "key", "0123456789"},
+    {"wlan_set_wpa_authentication_modes", "modes", "WPA2PSK"},
+    {"wlan_set_wpa_encryption_modes", "modes", "AESEncryption"},
+};
+
+// What an argument is in a smoke call, as the client takes it.
+inline std::string sample_word(const procedure_row &row, const argument_row &argument) {
+    for (const sample &each : SAMPLES)
+        if (strcmp(each.argument, argument.name) == 0 && (!each.procedure || strcmp(each.procedure, row.name) == 0))
+            return each.word;
+    return argument.kind == argument_kind::TEXT ? "word" : "1";
+}
+
+inline strings sample_words(const procedure_row &row) {
+    strings words;
+    for (size_t i = 0; i < row.argument_count; i++)
+        words.push_back(sample_word(row, row.arguments[i]));
+    return words;
 }
 
 inline bytes sample_arguments(const procedure_row &row) {
     bytes arguments;
-    for (size_t i = 0; i < row.argument_count; i++)
-        arguments += sample_argument(row.arguments[i].kind);
+    for (size_t i = 0; i < row.argument_count; i++) {
+        std::string word = sample_word(row, row.arguments[i]);
+        arguments += row.arguments[i].kind == argument_kind::TEXT
+                         ? xdr_string_bytes(word)
+                         : xdr_word(static_cast<uint32_t>(strtol(word.c_str(), nullptr, 10)));
+    }
     return arguments;
 }
 

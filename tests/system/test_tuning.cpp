@@ -142,16 +142,16 @@ TEST_F(Tuning, WidestChannelIsWhatTheDriversTableSays) {
     EXPECT_EQ(get_numbers(PROC_wlan_get_max_bandwidth, 9, 36), (number_result{0, 4}));
     EXPECT_EQ(get_numbers(PROC_wlan_get_max_bandwidth, 9, 165), (number_result{0, 1}));
     EXPECT_EQ(get_numbers(PROC_wlan_get_max_bandwidth, 9, 6), (number_result{0, 1}));
-    EXPECT_EQ(lines_since(JOURNAL_FILE, journal_mark),
-              (strings{"ioctl ath0 0x8be7 5104 = 0", "ioctl ath8 0x8be7 5104 = 0", "ioctl ath8 0x8be7 5104 = 0",
-                       "ioctl ath8 0x8be7 5104 = 0"}));
+    EXPECT_EQ(requests(), (strings{"ioctl ath0 0x8be7 5104 = 0", "ioctl ath8 0x8be7 5104 = 0",
+                                   "ioctl ath8 0x8be7 5104 = 0", "ioctl ath8 0x8be7 5104 = 0"}));
 }
 
 TEST_F(Tuning, WidestAutomaticChannelIsTheRadios) {
     EXPECT_EQ(get_numbers(PROC_wlan_get_max_bandwidth, 2, 0), (number_result{0, 2}));
     EXPECT_EQ(get_numbers(PROC_wlan_get_max_bandwidth, 10, 0), (number_result{0, 4}));
     EXPECT_EQ(get_numbers(PROC_wlan_get_max_bandwidth, -1, 0), (number_result{-1, 0}));
-    EXPECT_TRUE(lines_since(JOURNAL_FILE, journal_mark).empty());
+    EXPECT_TRUE(requests().empty());
+    EXPECT_TRUE(commands().empty());
 }
 
 TEST_F(Tuning, DriverThatDoesNotAnswerAllowsEveryWidth) {

@@ -942,8 +942,16 @@ TEST(ClientReference, EveryNameDerivedFromARowIsSpelledOut) {
     }
 }
 
+// The page has two tables: the names of everything, and behind this heading what procedures touch.
+constexpr const char TOUCHES_HEADING[] = "\n## What each procedure touches\n";
+
+std::string names_of_reference() {
+    std::string page = run({"reference"}).out;
+    return page.substr(0, page.find(TOUCHES_HEADING));
+}
+
 TEST(ClientReference, NumbersAscendWithTheirHolesAndCoverEverything) {
-    std::istringstream lines(run({"reference"}).out);
+    std::istringstream lines(names_of_reference());
     uint64_t next = 1;
     for (std::string line; std::getline(lines, line);) {
         if (!line.starts_with("| ") || !isdigit(line[2]))
@@ -959,13 +967,44 @@ TEST(ClientReference, NumbersAscendWithTheirHolesAndCoverEverything) {
 }
 
 TEST(ClientReference, EveryRowHasTheColumnsOfTheHead) {
-    std::istringstream lines(run({"reference"}).out);
+    std::istringstream lines(names_of_reference());
     int rows = 0;
     for (std::string line; std::getline(lines, line); rows += line.starts_with("| "))
         if (line.starts_with("|")) {
             EXPECT_EQ(std::count(line.begin(), line.end(), '|'), 9) << line;
         }
     EXPECT_EQ(rows, 1 + 340 + static_cast<int>(unassigned_range_count));
+}
+
+// Bars inside a command are written so that they do not end its cell.
+size_t columns_of(const std::string &line) {
+    size_t bars = 0;
+    for (size_t i = 0; i < line.size(); i++)
+        bars += line[i] == '|' && (i == 0 || line[i - 1] != '\\');
+    return bars - 1;
+}
+
+TEST(ClientReference, EveryProcedureHasARowOfWhatItTouches) {
+    std::string page = run({"reference"}).out;
+    std::istringstream lines(page.substr(page.find(TOUCHES_HEADING) + 1));
+    std::vector<std::string> rows;
+    for (std::string line; std::getline(lines, line);)
+        if (line.starts_with("|")) {
+            EXPECT_EQ(columns_of(line), 8u) << line;
+            rows.push_back(line);
+        }
+    ASSERT_EQ(rows.size(), 2 + procedure_row_count);
+    for (size_t i = 0; i < procedure_row_count; i++)
+        EXPECT_NE(rows[2 + i].find(" | `" + name_of(&procedure_rows[i])), std::string::npos) << rows[2 + i];
+    for (const char *row : {"| 22 | `setSsid 1 word` |  | `AP_SSID` | `cfg -a AP_SSID=\"word\"` |  |  |  |",
+                            "| 41 | `getPossibleChannels 1` |  |  | `iwlist ath0 freq \\| grep Channel` |  |  |  |",
+                            "| 217 | `getApScanNumOfEntries 1` |  |  |  |  | `ath0 0x89fc.39` |  |",
+                            "| 52 | `getTransmitPower 1` | `AP_RADIO_ID` `AP_TXPWR_2` |  |  |  |  |  |",
+                            "| 0x1000065 | `getBsBss5gCapableTable 1` |  |  |  | `read /nvram/5gcapabletable` |  |  |",
+                            "| 0x100004E | `setSoftblockEnable 1 1` |  | `SOFT_BLOCK_EN` | `cfg -a "
+                            "SOFT_BLOCK_EN=\"1\"` |  |  | `softblock "
+                            "setBSE:1` |"})
+        EXPECT_NE(page.find(std::string("\n") + row + "\n"), std::string::npos) << row;
 }
 
 TEST(ClientReference, InterfaceDeclaresEveryProcedureWithItsNumber) {
