@@ -2,9 +2,8 @@
 
 #include <string.h>
 
-#include "client/help.h"
+#include "client/documents.h"
 #include "client/list.h"
-#include "client/reference.h"
 
 const option_row global_options[] = {
     {"timeout", "SECONDS", "wait this long for each answer, 1 to 3600; 25 if not given", word_kind::NUMBER, 't'},
@@ -77,6 +76,26 @@ const command_row command_rows[] = {
      NO_OPTIONS,
      run_interface,
      "the interface file for rpcgen",
+     ""},
+    {"dissector",
+     command_group::DEVELOPERS,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     NO_OPTIONS,
+     run_dissector,
+     "the packet dissector for Wireshark, in Lua",
+     ""},
+    {"records",
+     command_group::DEVELOPERS,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     NO_OPTIONS,
+     run_records,
+     "the C header with the records that results carry",
      ""},
 };
 const size_t command_row_count = sizeof command_rows / sizeof *command_rows;

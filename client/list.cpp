@@ -4,7 +4,6 @@
 
 #include "client/help.h"
 #include "client/names.h"
-#include "client/reference.h"
 
 client_exit_status complain_of_word(client_session *session, client_exit_status status, const char *word) {
     const procedure_row *suggestions[SUGGESTIONS_MAX];
@@ -90,15 +89,5 @@ client_exit_status run_help(client_session *session, const command_line *line) {
     if (!command)
         return run_describe(session, line);
     print_command_help(session->out, command);
-    return EXIT_STATUS_SUCCESS;
-}
-
-client_exit_status run_reference(client_session *session, const command_line *) {
-    print_reference(session->out);
-    return EXIT_STATUS_SUCCESS;
-}
-
-client_exit_status run_interface(client_session *session, const command_line *) {
-    print_interface(session->out);
     return EXIT_STATUS_SUCCESS;
 }

@@ -1,4 +1,4 @@
-// The commands that help to find an operation: list, describe, help, and the documents of the table.
+// The commands that help to find an operation: list, describe, help.
 #pragma once
 
 #include "client/command_table.h"
@@ -6,8 +6,6 @@
 client_exit_status run_list(client_session *session, const command_line *line);
 client_exit_status run_describe(client_session *session, const command_line *line);
 client_exit_status run_help(client_session *session, const command_line *line);
-client_exit_status run_reference(client_session *session, const command_line *line);
-client_exit_status run_interface(client_session *session, const command_line *line);
 
 // Everything about one operation, in the session's format.
 client_exit_status describe_operation(client_session *session, const procedure_row *row);

@@ -222,7 +222,7 @@ static const char INTERFACE_TYPES[] =
     " * elements are 0 and mean nothing. A 64-bit integer takes two, the low word first.\n"
     " * A text ends with a NUL, which is part of return_data. A record is the server's memory image of it, in the "
     "byte\n"
-    " * order of the gateway; server/records.h has the layouts.\n"
+    " * order of the gateway; wlan_config_records.h has the layouts.\n"
     " */\n"
     "struct wlan_config_result_data_t {\n"
     "    wlan_config_return_code_e return_code;\n"

@@ -15,3 +15,5 @@ cmp -s "$build/touches.def" client/touches.def || cp "$build/touches.def" client
 cmake --build "$build" --target vlk_rpc_wlan_config_client
 "$client" reference >docs/procedures.md
 "$client" interface >docs/wlan_config.x
+"$client" dissector >docs/wlan_config.lua
+"$client" records >docs/wlan_config_records.h

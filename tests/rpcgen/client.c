@@ -1,7 +1,7 @@
 /*
  * A client as anybody writes one: stubs that rpcgen made of docs/wlan_config.x, no code of ours. Calls one procedure
- * of every argument shape and prints, a line each, its name and what became of it: "answered CODE", or the error
- * that the RPC library names.
+ * of every argument shape, or with the argument "all" every procedure, and prints, a line each, its name and what became
+ * of it: "answered CODE", or the error that the RPC library names.
  */
 #include <netinet/in.h>
 #include <stdio.h>
@@ -27,13 +27,29 @@ static void report_data(const char *name, CLIENT *client, wlan_config_result_dat
         printf("  %u integers, %u bytes\n", result->return_values.return_values_len, result->return_data.return_data_len);
 }
 
-int main(void)
+/* Made of docs/wlan_config.x, too: CODE(wlan_set_ssid, 1, text); and its like for each procedure. */
+static void call_all(CLIENT *client)
 {
+    char text[] = "rpcgen";
+#include "calls.inc"
+}
+
+int main(int argc, char **argv)
+{
+    struct timeval whole = {25, 0};
     char bssid[] = "00:00:00:00:00:00", text[] = "rpcgen", mac[] = "02:00:00:00:00:01";
     CLIENT *client = clnt_create("192.168.254.254", WLAN_CONFIG_RPC_PROG, WLAN_CONFIG_API_VERSION, "udp");
     if (!client) {
         clnt_pcreateerror("192.168.254.254");
         return 1;
+    }
+    /* A call that is repeated is carried out twice: retrying first after the whole time means never. */
+    clnt_control(client, CLSET_TIMEOUT, (char *)&whole);
+    clnt_control(client, CLSET_RETRY_TIMEOUT, (char *)&whole);
+    if (argc > 1 && strcmp(argv[1], "all") == 0) {
+        call_all(client);
+        clnt_destroy(client);
+        return 0;
     }
     report_data("wlan_get_number_of_entries", client, wlan_get_number_of_entries_1(client));
     report("wlan_check_thread_queue", client, (const int *)wlan_check_thread_queue_1(client));
