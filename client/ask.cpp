@@ -106,11 +106,15 @@ client_exit_status ask_text(client_session *session, uint32_t procedure, int ind
 }
 
 client_exit_status ask_record(client_session *session, uint32_t procedure, int index, void *record) {
+    const int64_t arguments[ARGUMENTS_MAX] = {index};
+    return ask_record_at(session, procedure, arguments, record);
+}
+
+client_exit_status ask_record_at(client_session *session, uint32_t procedure, const int64_t *arguments, void *record) {
     const procedure_row *row = row_of(procedure);
-    const int64_t numbers[ARGUMENTS_MAX] = {index};
-    call_arguments arguments = number_arguments(row, numbers);
+    call_arguments numbers = number_arguments(row, arguments);
     wlan_config_result_data_t result;
-    client_exit_status status = ask(session, row, &arguments, &result);
+    client_exit_status status = ask(session, row, &numbers, &result);
     const void *payload = row->result.kind == result_kind::WORDS
                               ? static_cast<const void *>(result.return_values.return_values_val)
                               : result.return_data.return_data_val;

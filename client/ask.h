@@ -37,3 +37,6 @@ client_exit_status ask_number(client_session *session, uint32_t procedure, int i
 client_exit_status ask_text(client_session *session, uint32_t procedure, int index, char *text, size_t size);
 // A record that travels as words or as its memory image; `record` has the size of the row's record.
 client_exit_status ask_record(client_session *session, uint32_t procedure, int index, void *record);
+
+// The same of a getter with any numbers for arguments, as many as the row has.
+client_exit_status ask_record_at(client_session *session, uint32_t procedure, const int64_t *arguments, void *record);

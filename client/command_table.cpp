@@ -4,6 +4,11 @@
 
 #include "client/documents.h"
 #include "client/list.h"
+#include "client/metrics.h"
+#include "client/radio.h"
+#include "client/stations.h"
+#include "client/status.h"
+#include "client/vaps.h"
 
 const option_row global_options[] = {
     {"timeout", "SECONDS", "wait this long for each answer, 1 to 3600; 25 if not given", word_kind::NUMBER, 't'},
@@ -57,6 +62,53 @@ const command_row command_rows[] = {
      run_help,
      "how to use the client, a command or an operation",
      ""},
+    {"status",
+     command_group::GATEWAY,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     status_options,
+     status_option_count,
+     run_status,
+     "radios and VAPs at a glance",
+     "Shows every VAP that the server has, switched on or not. What belongs to an interface (bssid, channel, width,\n"
+     "stations) is there while the VAP is up. utilisation is there while the radio's statistics collector runs."},
+    {"stations",
+     command_group::GATEWAY,
+     "[VAP...]",
+     {word_kind::VAP},
+     0,
+     VAP_COUNT_MAX,
+     NO_OPTIONS,
+     run_stations,
+     "the associated stations of these VAPs, or of all",
+     "In the order of the VAPs and, within one, of the addresses. connected_time is in seconds; what tx_rate and\n"
+     "max_rate count is up to the driver."},
+    {"radio",
+     command_group::GATEWAY,
+     "VAP",
+     {word_kind::VAP},
+     1,
+     1,
+     NO_OPTIONS,
+     run_radio,
+     "what a radio's statistics collector measures, with the RSSI of its stations",
+     "Collectors belong to a VAP, usually the first one of each radio: 1 and 9. Where none runs, setRadStatEnable\n"
+     "starts it. RSSI is in dB above the noise, and a line of the histogram counts the stations of two: the first\n"
+     "entry (0-1) also those below it, the last one (72-73) also those above. Empty lines at both ends are left out."},
+    {"metrics",
+     command_group::GATEWAY,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     metrics_options,
+     metrics_option_count,
+     run_metrics,
+     "the gateway's numbers as OpenMetrics text",
+     "For a textfile collector, run it with --file FOLDER/wlan.prom: a reader never sees half of the file. When the\n"
+     "server does not answer, the text says wlan_config_up 0 and nothing else, and the exit status says why."},
     {"reference",
      command_group::DEVELOPERS,
      "",

@@ -1,0 +1,59 @@
+// A server, or a portmapper, that answers what a test wants it to, on a UDP port of 127.0.0.1 of its own.
+#pragma once
+
+#include <netinet/in.h>
+#include <sys/types.h>
+
+#include <mutex>
+#include <string>
+#include <thread>
+
+// A word of the wire.
+std::string word_bytes(uint32_t word);
+
+// An accepted answer as it stands behind its xid: a status of the RPC layer (0 success, 3 unavailable, 4 garbage
+// arguments, 5 system error) and the result. Without credentials.
+std::string accepted(uint32_t accept_status, const std::string &result);
+
+// Answers every datagram with its xid and what the test wants behind that; not at all while that is empty.
+class FakePeer {
+public:
+    using bytes = std::string;
+
+    FakePeer();
+    ~FakePeer();
+    FakePeer(const FakePeer &) = delete;
+    FakePeer &operator=(const FakePeer &) = delete;
+
+    void answer_with(const bytes &behind_the_xid);
+
+    // From now on the call before is answered too, with this, right before the one that has come.
+    void answer_the_call_before_with(const bytes &behind_the_xid);
+
+    // As an impostor would: with everything right but the port it comes from.
+    void answer_from_elsewhere();
+
+    int received();
+
+    // The last call, whose header ends here since it has no credentials.
+    bytes arguments();
+    bytes procedure();
+
+    u_short port;
+
+private:
+    void serve();
+    void answer_one();
+
+    int socket_fd;
+    int elsewhere_fd;
+    int stop[2];
+    std::mutex lock;  // of the next six
+    int reply_fd;
+    bytes answer;
+    bytes late_answer;
+    bytes call;
+    bytes call_before;
+    int datagrams = 0;
+    std::thread thread;
+};
