@@ -36,7 +36,8 @@ struct call_outcome {
     char problem[PROBLEM_SIZE];  // a sentence, "" when ANSWERED
 };
 
-// The way to one server. Its port is asked for before the first call and kept for the others.
+// The way to one server. Its port is asked for before the first call and kept for the others, until one of
+// them has no answer.
 struct server_connection {
     call_endpoint endpoint;
     CLIENT *client;  // nullptr before the first call and after a call that nothing answered

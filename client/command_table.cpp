@@ -4,6 +4,7 @@
 
 #include "client/documents.h"
 #include "client/list.h"
+#include "client/manual.h"
 #include "client/metrics.h"
 #include "client/radio.h"
 #include "client/stations.h"
@@ -148,6 +149,16 @@ const command_row command_rows[] = {
      NO_OPTIONS,
      run_records,
      "the C header with the records that results carry",
+     ""},
+    {"manual",
+     command_group::HIDDEN,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     NO_OPTIONS,
+     run_manual,
+     "the client's manual page, in mdoc",
      ""},
 };
 const size_t command_row_count = sizeof command_rows / sizeof *command_rows;

@@ -5,15 +5,13 @@
 #include "client/arguments.h"
 #include "client/call.h"
 #include "client/command_table.h"
+#include "client/describe.h"
 #include "client/names.h"
 #include "client/record_fields.h"
 #include "client/touches.h"
 
 // Where the summaries of a list begin; three operations in four are shorter.
 constexpr int SUMMARY_COLUMN = 46;
-
-// Where the meanings of arguments begin, behind all but the longest names.
-constexpr int ARGUMENT_COLUMN = 14;
 
 // The second block of numbers begins here and has always been written in hexadecimal.
 constexpr uint32_t SECOND_BLOCK = 0x1000000;
@@ -166,22 +164,11 @@ const char *handler_file(const procedure_row *row) {
     return "";
 }
 
-static bool has_back_end(const procedure_row *row) {
+bool has_back_end(const procedure_row *row) {
     return strcmp(row->back_end, "none") != 0;
 }
 
-void print_operation_help(FILE *out, const procedure_row *row) {
-    char name[OPERATION_NAME_SIZE];
-    operation_name(row, name);
-    fprintf(out, "%s: %s\n\n", name, row->summary);
-    print_usage(out, row);
-    for (size_t i = 0; i < row->argument_count; i++) {
-        int width = fprintf(out, "  <%s>", row->arguments[i].name);
-        fprintf(out, "%*s  %s\n", width < ARGUMENT_COLUMN ? ARGUMENT_COLUMN - width : 0, "",
-                accepted_text(row->arguments[i].kind));
-    }
-    fputs("\nresult     ", out);
-    print_result_shape(out, &row->result);
+static void print_names(FILE *out, const procedure_row *row) {
     fprintf(out, "\nsubject    %s\nprocedure  %s, number ", row->subject, row->name);
     print_number(out, row->number);
     fprintf(out, "\nhandler    %s_1_svc in %s\n", row->name, handler_file(row));
@@ -189,6 +176,18 @@ void print_operation_help(FILE *out, const procedure_row *row) {
         fprintf(out, "back end   %s in %s.cpp\n", row->back_end, row->room);
     else
         fputs("back end   none\n", out);
+}
+
+void print_operation_help(FILE *out, const procedure_row *row, bool colour) {
+    char name[OPERATION_NAME_SIZE];
+    operation_name(row, name);
+    fprintf(out, "%s%s%s: %s\n\n", heading_begin(colour), name, heading_end(colour), row->summary);
+    print_usage(out, row);
+    print_argument_meanings(out, row);
+    print_result_meanings(out, row, colour);
+    fprintf(out, "\n%sexample%s\n", heading_begin(colour), heading_end(colour));
+    print_example_lines(out, row);
+    print_names(out, row);
     print_touches(out, row);
 }
 
@@ -200,13 +199,13 @@ static void print_list_line(FILE *out, const procedure_row *row) {
 
 // The matching rows of a subject that begins with this row, under its heading. Rows of one subject do not stand
 // together in the table, which follows the numbers.
-static size_t print_subject(FILE *out, const procedure_row *first, const char *word) {
+static size_t print_subject(FILE *out, const procedure_row *first, const char *word, bool colour) {
     size_t count = 0;
     for (const procedure_row *row = first; row < procedure_rows + procedure_row_count; row++) {
         if (strcmp(row->subject, first->subject) != 0 || !operation_matches(row, word))
             continue;
         if (count++ == 0)
-            fprintf(out, "%s\n", row->subject);
+            fprintf(out, "%s%s%s\n", heading_begin(colour), row->subject, heading_end(colour));
         print_list_line(out, row);
     }
     return count;
@@ -219,10 +218,10 @@ static bool begins_its_subject(const procedure_row *row) {
     return true;
 }
 
-size_t print_list(FILE *out, const char *word) {
+size_t print_list(FILE *out, const char *word, bool colour) {
     size_t count = 0;
     for (const procedure_row *row = procedure_rows; row < procedure_rows + procedure_row_count; row++)
         if (begins_its_subject(row))
-            count += print_subject(out, row, word);
+            count += print_subject(out, row, word, colour);
     return count;
 }

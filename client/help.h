@@ -33,8 +33,11 @@ void print_number(FILE *out, uint32_t number);
 // The source file with the row's handler.
 const char *handler_file(const procedure_row *row);
 
-// All that the table knows about one operation.
-void print_operation_help(FILE *out, const procedure_row *row);
+// Whether the row has a back end; a handler may answer alone.
+bool has_back_end(const procedure_row *row);
+
+// All that the tables know about one operation.
+void print_operation_help(FILE *out, const procedure_row *row, bool colour);
 
 // One line for each operation that the word matches, all of them for "", under their subjects. Returns how many.
-size_t print_list(FILE *out, const char *word);
+size_t print_list(FILE *out, const char *word, bool colour);

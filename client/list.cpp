@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include "client/describe.h"
 #include "client/help.h"
 #include "client/names.h"
 
@@ -23,34 +24,12 @@ client_exit_status complain_of_word(client_session *session, client_exit_status 
     return complain_in(session, answer, status, problem);
 }
 
-static void add_arguments(value *to, const procedure_row *row) {
-    value *arguments = add_list(to, "arguments");
-    for (size_t i = 0; i < row->argument_count; i++) {
-        value *argument = add_object(arguments, nullptr);
-        add_string(argument, "name", row->arguments[i].name);
-        add_string(argument, "accepts", accepted_text(row->arguments[i].kind));
-    }
-}
-
-static value *described(const procedure_row *row) {
-    value *made = new_object();
-    char name[OPERATION_NAME_SIZE];
-    operation_name(row, name);
-    add_string(made, "operation", name);
-    add_string(made, "summary", row->summary);
-    add_string(made, "procedure", row->name);
-    add_unsigned(made, "number", row->number);
-    add_string(made, "subject", row->subject);
-    add_arguments(made, row);
-    return made;
-}
-
 static client_exit_status list_for_programs(client_session *session, const char *word) {
     value *result = new_object();
     value *operations = add_list(result, "operations");
     for (size_t i = 0; i < procedure_row_count; i++)
         if (operation_matches(&procedure_rows[i], word))
-            add_value(operations, nullptr, described(&procedure_rows[i]));
+            add_value(operations, nullptr, described_operation(&procedure_rows[i]));
     if (operations->first)
         return show(session, result);
     free_value(result);
@@ -61,15 +40,15 @@ client_exit_status run_list(client_session *session, const command_line *line) {
     const char *word = line->word_count == 0 ? "" : line->words[0];
     if (session->settings.format != output_format::TEXT)
         return list_for_programs(session, word);
-    if (print_list(session->out, word) > 0)
+    if (print_list(session->out, word, session->settings.colour) > 0)
         return EXIT_STATUS_SUCCESS;
     return complain(session, EXIT_STATUS_NOT_FOUND, "no operation has \"%s\" in its name, subject or summary", word);
 }
 
 client_exit_status describe_operation(client_session *session, const procedure_row *row) {
     if (session->settings.format != output_format::TEXT)
-        return show(session, described(row));
-    print_operation_help(session->out, row);
+        return show(session, described_operation(row));
+    print_operation_help(session->out, row, session->settings.colour);
     return EXIT_STATUS_SUCCESS;
 }
 

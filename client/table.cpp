@@ -35,6 +35,7 @@ bool print_table(FILE *out, const text_table *table, bool colour) {
         return false;
     scols_table_set_stream(drawn, out);
     scols_table_set_termforce(drawn, SCOLS_TERMFORCE_NEVER);  // the same lines in a pipe and in a narrow window
+    scols_table_enable_noencoding(drawn, 1);  // cells are escaped already, and so would their escapes be
     scols_table_enable_colors(drawn, colour);
     scols_table_set_column_separator(drawn, "  ");
     bool complete = add_columns(drawn, table, colour);

@@ -17,3 +17,4 @@ cmake --build "$build" --target vlk_rpc_wlan_config_client
 "$client" interface >docs/wlan_config.x
 "$client" dissector >docs/wlan_config.lua
 "$client" records >docs/wlan_config_records.h
+"$client" manual >packaging/man/vlk_rpc_wlan_config_client.8

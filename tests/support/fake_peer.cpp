@@ -84,13 +84,15 @@ void FakePeer::answer_one() {
         return;
     std::lock_guard guard(lock);
     call_before = call;
+    caller_before = caller;
+    caller = from;
     call.assign(buffer, static_cast<size_t>(length));
     datagrams++;
-    auto send_behind = [&](const bytes &of_call, const bytes &behind) {
-        bytes reply = of_call.substr(0, 4) + behind;
-        if (!of_call.empty() && !behind.empty())
-            sendto(reply_fd, reply.data(), reply.size(), 0, reinterpret_cast<sockaddr *>(&from), size);
+    auto reply_to = [&](const bytes &to_call, const sockaddr_in &to, const bytes &behind) {
+        bytes reply = to_call.substr(0, 4) + behind;
+        if (!to_call.empty() && !behind.empty())
+            sendto(reply_fd, reply.data(), reply.size(), 0, reinterpret_cast<const sockaddr *>(&to), sizeof to);
     };
-    send_behind(call_before, late_answer);
-    send_behind(call, answer);
+    reply_to(call_before, caller_before, late_answer);
+    reply_to(call, caller, answer);
 }

@@ -27,7 +27,7 @@ public:
 
     void answer_with(const bytes &behind_the_xid);
 
-    // From now on the call before is answered too, with this, right before the one that has come.
+    // From now on the call before is answered too, with this, where it came from, right before the one that has come.
     void answer_the_call_before_with(const bytes &behind_the_xid);
 
     // As an impostor would: with everything right but the port it comes from.
@@ -48,12 +48,14 @@ private:
     int socket_fd;
     int elsewhere_fd;
     int stop[2];
-    std::mutex lock;  // of the next six
+    std::mutex lock;  // of everything below but the thread
     int reply_fd;
     bytes answer;
     bytes late_answer;
     bytes call;
     bytes call_before;
+    sockaddr_in caller = {};
+    sockaddr_in caller_before = {};
     int datagrams = 0;
     std::thread thread;
 };

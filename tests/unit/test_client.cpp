@@ -1,21 +1,13 @@
 // The client without a gateway: names, arguments, results, help, and calls to a server and portmapper made up here.
-#include <arpa/inet.h>
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <string.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <fstream>
-#include <functional>
 #include <map>
-#include <mutex>
 #include <set>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "client/arguments.h"
@@ -29,36 +21,12 @@
 #include "client/render.h"
 #include "client/results.h"
 #include "server/wire.h"
+#include "tests/support/client_runs.h"
+#include "tests/support/fake_peer.h"
 
 namespace {
 
 using bytes = std::string;
-
-// What a function writes to the stream it is given.
-std::string written(const std::function<void(FILE *)> &write) {
-    char *text = nullptr;
-    size_t size = 0;
-    FILE *stream = open_memstream(&text, &size);
-    write(stream);
-    fclose(stream);
-    std::string copy(text, size);
-    free(text);
-    return copy;
-}
-
-const procedure_row *row_of(const std::string &procedure) {
-    for (size_t i = 0; i < procedure_row_count; i++)
-        if (procedure == procedure_rows[i].name)
-            return &procedure_rows[i];
-    ADD_FAILURE() << "no procedure " << procedure;
-    abort();
-}
-
-std::string name_of(const procedure_row *row) {
-    char name[OPERATION_NAME_SIZE];
-    operation_name(row, name);
-    return name;
-}
 
 std::string lower_case(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(), tolower);
@@ -83,11 +51,11 @@ std::string with_hyphens(std::string text) {
 // Names.
 
 TEST(ClientNames, OperationIsTheProcedureInCamelCase) {
-    EXPECT_EQ(name_of(row_of("wlan_check_thread_queue")), "checkThreadQueue");
-    EXPECT_EQ(name_of(row_of("wlan_get_ssid")), "getSsid");
-    EXPECT_EQ(name_of(row_of("wlan_load")), "load");
-    EXPECT_EQ(name_of(row_of("wlan_query_wlan_info")), "queryWlanInfo");
-    EXPECT_EQ(name_of(row_of("wlan_get_bs_5g_rssi_good_limit_threshold")), "getBs5gRssiGoodLimitThreshold");
+    EXPECT_EQ(name_of(row_named("wlan_check_thread_queue")), "checkThreadQueue");
+    EXPECT_EQ(name_of(row_named("wlan_get_ssid")), "getSsid");
+    EXPECT_EQ(name_of(row_named("wlan_load")), "load");
+    EXPECT_EQ(name_of(row_named("wlan_query_wlan_info")), "queryWlanInfo");
+    EXPECT_EQ(name_of(row_named("wlan_get_bs_5g_rssi_good_limit_threshold")), "getBs5gRssiGoodLimitThreshold");
 }
 
 TEST(ClientNames, EveryOperationIsFoundInEverySpelling) {
@@ -242,7 +210,7 @@ bool parse_words(const procedure_row *row, std::vector<std::string> &words, call
 std::string problem_of(const char *procedure, std::vector<std::string> words) {
     call_arguments arguments;
     std::string problem;
-    EXPECT_FALSE(parse_words(row_of(procedure), words, &arguments, &problem));
+    EXPECT_FALSE(parse_words(row_named(procedure), words, &arguments, &problem));
     return problem;
 }
 
@@ -281,27 +249,27 @@ bytes encoded_words(const procedure_row *row, std::vector<std::string> words) {
 TEST(ClientArguments, EncodeToTheBytesOfTheirRecord) {
     char ssid[] = "home", bssid[] = "00:03:7f:10:00:01";
     wlan_set_ssid_1_argument set_ssid = {-3, ssid};
-    EXPECT_EQ(encoded_words(row_of("wlan_set_ssid"), {"-3", ssid}),
+    EXPECT_EQ(encoded_words(row_named("wlan_set_ssid"), {"-3", ssid}),
               encoded(as_xdrproc(xdr_wlan_set_ssid_1_argument), &set_ssid));
     wlan_associate_vlan_1_argument vlan = {bssid, 65535};
-    EXPECT_EQ(encoded_words(row_of("wlan_associate_vlan"), {bssid, "65535"}),
+    EXPECT_EQ(encoded_words(row_named("wlan_associate_vlan"), {bssid, "65535"}),
               encoded(as_xdrproc(xdr_wlan_associate_vlan_1_argument), &vlan));
     wlan_set_channel_switch_1_argument channel = {9, 1, 2, 36, 4, 5, 6, 80, 8, 0xffffffff};
-    EXPECT_EQ(
-        encoded_words(row_of("wlan_set_channel_switch"), {"9", "1", "2", "36", "4", "5", "6", "80", "8", "4294967295"}),
-        encoded(as_xdrproc(xdr_wlan_set_channel_switch_1_argument), &channel));
+    EXPECT_EQ(encoded_words(row_named("wlan_set_channel_switch"),
+                            {"9", "1", "2", "36", "4", "5", "6", "80", "8", "4294967295"}),
+              encoded(as_xdrproc(xdr_wlan_set_channel_switch_1_argument), &channel));
     wlan_set_dot11u_attribute_1_argument attribute = {1, 2, TRUE, FALSE, TRUE, FALSE};
-    EXPECT_EQ(encoded_words(row_of("wlan_set_dot11u_attribute"), {"1", "2", "on", "off", "yes", "0"}),
+    EXPECT_EQ(encoded_words(row_named("wlan_set_dot11u_attribute"), {"1", "2", "on", "off", "yes", "0"}),
               encoded(as_xdrproc(xdr_wlan_set_dot11u_attribute_1_argument), &attribute));
     wlan_set_band_steer_time_1_argument count = {3};
-    EXPECT_EQ(encoded_words(row_of("wlan_set_band_steer_count"), {"3"}),
+    EXPECT_EQ(encoded_words(row_named("wlan_set_band_steer_count"), {"3"}),
               encoded(as_xdrproc(xdr_wlan_set_band_steer_time_1_argument), &count));
 }
 
 TEST(ClientArguments, BareArgumentsEncodeWithoutARecord) {
-    EXPECT_EQ(encoded_words(row_of("wlan_init"), {}), "");
-    EXPECT_EQ(encoded_words(row_of("wlan_get_ssid"), {"-2"}), bytes("\xff\xff\xff\xfe"));
-    EXPECT_EQ(encoded_words(row_of("wlan_get_bssid_port"), {"abcde"}), bytes("\0\0\0\5abcde\0\0\0", 12));
+    EXPECT_EQ(encoded_words(row_named("wlan_init"), {}), "");
+    EXPECT_EQ(encoded_words(row_named("wlan_get_ssid"), {"-2"}), bytes("\xff\xff\xff\xfe"));
+    EXPECT_EQ(encoded_words(row_named("wlan_get_bssid_port"), {"abcde"}), bytes("\0\0\0\5abcde\0\0\0", 12));
 }
 
 bytes from_hex(const std::string &hex) {
@@ -382,8 +350,8 @@ std::string printed(const char *procedure, const made_result &made, bool termina
     std::vector<char> data;
     wlan_config_result_data_t result = as_record(made, &values, &data);
     char problem[PROBLEM_SIZE] = "";
-    EXPECT_TRUE(check_result(row_of(procedure), &result, problem)) << problem;
-    value *payload = result_value(row_of(procedure), &result);
+    EXPECT_TRUE(check_result(row_named(procedure), &result, problem)) << problem;
+    value *payload = result_value(row_named(procedure), &result);
     const text_options options = {terminal, false};
     std::string text = written([&](FILE *out) { render_text(out, payload, &options); });
     free_value(payload);
@@ -401,7 +369,7 @@ bool carries_something(const char *procedure, const made_result &made) {
     std::vector<u_int> values;
     std::vector<char> data;
     wlan_config_result_data_t result = as_record(made, &values, &data);
-    return says_something(row_of(procedure), &result);
+    return says_something(row_named(procedure), &result);
 }
 
 std::string damage(const char *procedure, const made_result &made) {
@@ -409,7 +377,7 @@ std::string damage(const char *procedure, const made_result &made) {
     std::vector<char> data;
     wlan_config_result_data_t result = as_record(made, &values, &data);
     char problem[PROBLEM_SIZE] = "";
-    return check_result(row_of(procedure), &result, problem) ? "none" : problem;
+    return check_result(row_named(procedure), &result, problem) ? "none" : problem;
 }
 
 std::vector<u_int> padded(std::vector<u_int> values) {
@@ -537,129 +505,7 @@ TEST(ClientResults, ImageOfAnotherSizeIsDamaged) {
 
 // The program, with a server and a portmapper that say what a test wants them to.
 
-bytes word_bytes(uint32_t word) {
-    word = htonl(word);
-    return bytes(reinterpret_cast<char *>(&word), sizeof word);
-}
-
-bytes accepted(uint32_t accept_status, const bytes &result) {
-    return word_bytes(1) + word_bytes(0) + word_bytes(0) + word_bytes(0) + word_bytes(accept_status) + result;
-}
-
 constexpr uint32_t ACCEPTED = 0, PROCEDURE_UNAVAILABLE = 3, GARBAGE_ARGUMENTS = 4, SYSTEM_FAILURE = 5;
-
-// Answers every datagram with its xid and what the test wants behind that; not at all while that is empty.
-class FakePeer {
-public:
-    FakePeer() {
-        sockaddr_in address = {};
-        socklen_t size = sizeof address;
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socket_fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-        EXPECT_EQ(bind(socket_fd, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
-        EXPECT_EQ(getsockname(socket_fd, reinterpret_cast<sockaddr *>(&address), &size), 0);
-        port = ntohs(address.sin_port);
-        elsewhere_fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-        reply_fd = socket_fd;
-        EXPECT_EQ(pipe2(stop, O_CLOEXEC), 0);
-        thread = std::thread([this] { serve(); });
-    }
-
-    ~FakePeer() {
-        close(stop[1]);
-        thread.join();
-        close(stop[0]);
-        close(socket_fd);
-        close(elsewhere_fd);
-    }
-
-    void answer_with(const bytes &behind_the_xid) {
-        std::lock_guard guard(lock);
-        answer = behind_the_xid;
-    }
-
-    // As an impostor would: with everything right but the port it comes from.
-    void answer_from_elsewhere() {
-        std::lock_guard guard(lock);
-        reply_fd = elsewhere_fd;
-    }
-
-    int received() {
-        std::lock_guard guard(lock);
-        return datagrams;
-    }
-
-    // The last call, whose header ends here since it has no credentials.
-    bytes arguments() {
-        std::lock_guard guard(lock);
-        return call.size() < 40 ? "no call" : call.substr(40);
-    }
-
-    bytes procedure() {
-        std::lock_guard guard(lock);
-        return call.size() < 40 ? "no call" : call.substr(20, 4);
-    }
-
-    u_short port;
-
-private:
-    void serve() {
-        pollfd waiting[] = {{socket_fd, POLLIN, 0}, {stop[0], POLLIN, 0}};
-        while (poll(waiting, 2, -1) > 0 && !waiting[1].revents)
-            answer_one();
-    }
-
-    void answer_one() {
-        char buffer[65536];
-        sockaddr_in from = {};
-        socklen_t size = sizeof from;
-        ssize_t length = recvfrom(socket_fd, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr *>(&from), &size);
-        if (length < 4)
-            return;
-        std::lock_guard guard(lock);
-        call.assign(buffer, static_cast<size_t>(length));
-        datagrams++;
-        bytes reply = call.substr(0, 4) + answer;
-        if (!answer.empty())
-            sendto(reply_fd, reply.data(), reply.size(), 0, reinterpret_cast<sockaddr *>(&from), size);
-    }
-
-    int socket_fd;
-    int elsewhere_fd;
-    int stop[2];
-    std::mutex lock;  // of the next four
-    int reply_fd;
-    bytes answer;
-    bytes call;
-    int datagrams = 0;
-    std::thread thread;
-};
-
-struct run_outcome {
-    int status;
-    std::string out;
-    std::string errors;
-};
-
-run_outcome run_at(const call_endpoint &endpoint, std::vector<std::string> words) {
-    run_outcome outcome = {};
-    std::vector<char *> pointers = {const_cast<char *>(PROGRAM_NAME)};
-    for (std::string &word : words)
-        pointers.push_back(word.data());
-    pointers.push_back(nullptr);
-    int count = static_cast<int>(words.size()) + 1;
-    outcome.errors = written([&](FILE *errors) {
-        outcome.out =
-            written([&](FILE *out) { outcome.status = run_client(count, pointers.data(), &endpoint, out, errors); });
-    });
-    return outcome;
-}
-
-// For words that must not lead to a call: there is nobody.
-run_outcome run(const std::vector<std::string> &words) {
-    return run_at({"127.0.0.1", 1}, words);
-}
 
 class ClientCalls : public testing::Test {
 protected:
@@ -903,9 +749,11 @@ TEST(ClientHelp, HelpTellsWhatTheRowKnows) {
     EXPECT_EQ(outcome.status, 0);
     for (const char *piece :
          {"associateVlan: bind the VAP with this BSSID to a VLAN",
-          "vlk_rpc_wlan_config_client associateVlan <bssid> <vlan>\n", "<bssid>       text\n",
-          "<vlan>        a number from 0 to 65535\n", "success or failure", "wlan_associate_vlan, number 8\n",
-          "wlan_associate_vlan_1_svc in handlers/regular.cpp", "wlan_associateVlan in params/vap.cpp"})
+          "vlk_rpc_wlan_config_client associateVlan <bssid> <vlan>\n",
+          "  <bssid>       BSSID of a VAP\n                XX:XX:XX:XX:XX:XX as getBssid prints it; any other fails\n",
+          "  <vlan>        VLAN\n                1 to 4094; any other is taken as it is\n", "success or failure",
+          "wlan_associate_vlan, number 8\n", "wlan_associate_vlan_1_svc in handlers/regular.cpp",
+          "wlan_associateVlan in params/vap.cpp"})
         EXPECT_NE(outcome.out.find(piece), std::string::npos) << piece << "\n" << outcome.out;
 }
 

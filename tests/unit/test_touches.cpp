@@ -126,7 +126,7 @@ TEST(Touches, EndTheHelpOfAnOperation) {
     char *text = nullptr;
     size_t size = 0;
     FILE *stream = open_memstream(&text, &size);
-    print_operation_help(stream, row_of(PROC_wlan_get_ssid));
+    print_operation_help(stream, row_of(PROC_wlan_get_ssid), false);
     fclose(stream);
     EXPECT_TRUE(std::string(text, size).ends_with(printed(PROC_wlan_get_ssid))) << text;
     free(text);

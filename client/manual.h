@@ -1,0 +1,17 @@
+// The client's manual page, in mdoc, made from its tables of commands, options and exit statuses.
+//
+// Writes to the given stream only.
+#pragma once
+
+#include <stdio.h>
+
+#include "client/command_table.h"
+
+// The command `manual`, which only the project itself uses.
+client_exit_status run_manual(client_session *session, const command_line *line);
+
+void print_manual(FILE *out);
+
+// A text of a table as mdoc: each sentence begins a line, an empty line a paragraph, and lines that begin with a blank
+// are shown as they stand.
+void print_manual_text(FILE *out, const char *text);
