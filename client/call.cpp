@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <errno.h>
 #include <netdb.h>
+#include <pthread.h>
 #include <rpc/pmap_prot.h>
 #include <stdarg.h>
 #include <stdio.h>
@@ -47,15 +48,37 @@ static CLIENT *open_client(sockaddr_in *server, rpcprog_t program, rpcvers_t ver
     return client;
 }
 
-// Sends the call once: what became of it, and the system's error behind that.
+struct pending_call {
+    CLIENT *client;
+    rpcproc_t procedure;
+    xdrproc_t encode;
+    void *arguments;
+    xdrproc_t decode;
+    void *result;
+    timeval timeout;
+    clnt_stat status;
+};
+
+static void *make_call(void *pending) {
+    pending_call *call = static_cast<pending_call *>(pending);
+    call->status = clnt_call(call->client, call->procedure, call->encode, static_cast<char *>(call->arguments),
+                             call->decode, static_cast<char *>(call->result), call->timeout);
+    return nullptr;
+}
+
+// Sends the call once: what became of it, and the system's error behind that. The library holds every signal of the
+// thread that calls until the answer is there, so it gets a thread of its own: this one can be interrupted.
 static rpc_err call_once(CLIENT *client, rpcproc_t procedure, xdrproc_t encode, void *arguments, xdrproc_t decode,
                          void *result, int timeout_seconds) {
-    timeval timeout = {timeout_seconds, 0};
-    clnt_stat status = clnt_call(client, procedure, encode, static_cast<char *>(arguments), decode,
-                                 static_cast<char *>(result), timeout);
+    pending_call call = {client, procedure, encode, arguments, decode, result, {timeout_seconds, 0}, RPC_FAILED};
+    pthread_t thread;
+    if (pthread_create(&thread, nullptr, make_call, &call) == 0)
+        pthread_join(thread, nullptr);
+    else
+        make_call(&call);
     rpc_err error = {};
     clnt_geterr(client, &error);
-    error.re_status = status;
+    error.re_status = call.status;
     return error;
 }
 

@@ -1,6 +1,7 @@
 // Remote calls: ask the portmapper for the server's port, send each call once, wait for its answer.
 //
-// The only room of the client that touches the network. Blocks its thread. A connection belongs to one thread.
+// The only room of the client that touches the network. Blocks its thread, which can be interrupted meanwhile. A
+// connection belongs to one thread.
 #pragma once
 
 #include <sys/types.h>

@@ -3,13 +3,16 @@
 #include <string.h>
 
 #include "client/documents.h"
+#include "client/lifecycle.h"
 #include "client/list.h"
 #include "client/manual.h"
 #include "client/metrics.h"
 #include "client/radio.h"
+#include "client/scan.h"
 #include "client/stations.h"
 #include "client/status.h"
 #include "client/vaps.h"
+#include "client/watch.h"
 
 const option_row global_options[] = {
     {"timeout", "SECONDS", "wait this long for each answer, 1 to 3600; 25 if not given", word_kind::NUMBER, 't'},
@@ -31,6 +34,22 @@ const size_t command_group_count = sizeof command_groups / sizeof *command_group
 // A row's options and their number.
 #define NO_OPTIONS nullptr, 0
 #define OPTIONS(rows) rows, sizeof(rows) / sizeof *(rows)
+
+static const option_row scan_options[] = {
+    {"wait", "SECONDS", "for the survey to be complete, 1 to 3600; 30 if not given", word_kind::NUMBER, 'w'},
+    {"cached", nullptr, "show the list of the last survey, and begin none", word_kind::NONE, 'c'},
+};
+
+static const option_row watch_options[] = {
+    {"interval", "SECONDS", "between two runs, 0.1 to 86400; 2 if not given", word_kind::NUMBER, 'n'},
+    {"count", "NUMBER", "end after so many runs", word_kind::NUMBER, 'c'},
+    {"changes", nullptr, "show only what differs from the answer before", word_kind::NONE, 'd'},
+};
+
+static const option_row lifecycle_options[] = {
+    {"wait", nullptr, "follow the driver until it is there", word_kind::NONE, 'w'},
+    {"wait-for", "SECONDS", "the same, but no longer than this, 1 to 3600; 180 if not given", word_kind::NUMBER, '\0'},
+};
 
 const command_row command_rows[] = {
     {"list",
@@ -110,6 +129,74 @@ const command_row command_rows[] = {
      "the gateway's numbers as OpenMetrics text",
      "For a textfile collector, run it with --file FOLDER/wlan.prom: a reader never sees half of the file. When the\n"
      "server does not answer, the text says wlan_config_up 0 and nothing else, and the exit status says why."},
+    {"scan",
+     command_group::GATEWAY,
+     "VAP",
+     {word_kind::VAP},
+     1,
+     1,
+     OPTIONS(scan_options),
+     run_scan,
+     "survey the air, and list the networks nearby by strength",
+     "The radio of the VAP surveys all its channels; a survey that runs already is waited for.\n"
+     "An answer has room for 64 networks. With --cached nobody can tell how old the list is.\n"
+     "Ends with 4 when the survey is not complete in time."},
+    {"load",
+     command_group::GATEWAY,
+     "[RADIO]",
+     {word_kind::NUMBER},
+     0,
+     1,
+     OPTIONS(lifecycle_options),
+     run_load,
+     "load the Wi-Fi driver",
+     "Carries out the operation wlan_load; RADIO has no effect.\n"
+     "With --wait: until a radio answers. The VAPs stay down until init."},
+    {"init",
+     command_group::GATEWAY,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     OPTIONS(lifecycle_options),
+     run_init,
+     "bring the Wi-Fi interfaces up",
+     "Carries out the operation wlan_init, which loads the driver first when that is missing.\n"
+     "With --wait: until every VAP that is switched on, on a radio that is, is up."},
+    {"reset",
+     command_group::GATEWAY,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     OPTIONS(lifecycle_options),
+     run_reset,
+     "take the Wi-Fi interfaces down and unload the driver",
+     "Carries out the operation wlan_reset.\n"
+     "With --wait: until no VAP is up and no radio answers."},
+    {"reconnect",
+     command_group::GATEWAY,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     OPTIONS(lifecycle_options),
+     run_reconnect,
+     "reset the Wi-Fi chips, and bring the interfaces up again",
+     "Carries out the operation wlan_pci_reconnect; the gateway runs an init behind it.\n"
+     "With --wait: until the driver has been gone, and then as init does."},
+    {"watch",
+     command_group::SCRIPTS,
+     "COMMAND...",
+     {word_kind::COMMAND_LINE},
+     1,
+     ANY_NUMBER_OF_WORDS,
+     OPTIONS(watch_options),
+     run_watch,
+     "any command or operation again and again",
+     "Options of the watch stand before COMMAND. On a terminal each answer takes the place of the one before, below\n"
+     "the time (UTC) and the command line. With -o json each answer is one line and has the member \"time\".\n"
+     "Ends with the status of the last run, and with 0 when it is interrupted."},
     {"reference",
      command_group::DEVELOPERS,
      "",

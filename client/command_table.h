@@ -1,7 +1,7 @@
 // The client's own commands, one row each: what they take, what they do, which function carries them out.
 //
 // Parsing, help, completion and the manual follow from the rows. Operations are not here: they come from the table of
-// procedures, and none of them has the name of a command.
+// procedures; of the commands only load, init and reset have the name of one, which is what they carry out.
 #pragma once
 
 #include <stddef.h>

@@ -132,7 +132,8 @@ static client_exit_status run_command(client_session *session, const command_row
     return EXIT_STATUS_USAGE;
 }
 
-// Commands are matched exactly, operations in any spelling: so no operation can ever be hidden by a command.
+// Commands are matched exactly, operations in any spelling. load, init and reset are commands that carry out the
+// operation of that name; no other command has the name of one, so none is hidden.
 client_exit_status run_words(client_session *session, int count, char **words) {
     client_session one = *session;
     server_connection own = {};

@@ -1,5 +1,6 @@
 #include "client/options.h"
 
+#include <ctype.h>
 #include <getopt.h>
 #include <stdlib.h>
 #include <string.h>
@@ -48,9 +49,11 @@ static const option_row *found_row(const option_row *rows, size_t count, int fou
     return nullptr;
 }
 
-static bool parse_timeout(char *word, int *seconds) {
+static bool parse_seconds(const char *word, int *seconds) {
     argument_value parsed;
-    if (!parse_argument(argument_kind::UINT, word, &parsed) || parsed.number < 1 || parsed.number > TIMEOUT_SECONDS_MAX)
+    // Reads the word only.
+    if (!parse_argument(argument_kind::UINT, const_cast<char *>(word), &parsed) || parsed.number < 1 ||
+        parsed.number > TIMEOUT_SECONDS_MAX)
         return false;
     *seconds = static_cast<int>(parsed.number);
     return true;
@@ -83,27 +86,30 @@ static bool parse_colour(const char *word, client_settings *settings) {
     return true;
 }
 
-static bool wrong_value(const option_row *row, const char *word, const char *wanted, char problem[PROBLEM_SIZE]) {
-    snprintf(problem, PROBLEM_SIZE, "--%s is \"%s\", but has to be %s", row->name, word, wanted);
+// What parse_seconds takes.
+constexpr const char SECONDS_TEXT[] = "a number of seconds from 1 to 3600";
+
+static bool wrong_value(const char *option, const char *word, const char *wanted, char problem[PROBLEM_SIZE]) {
+    snprintf(problem, PROBLEM_SIZE, "--%s is \"%s\", but has to be %s", option, word, wanted);
     return false;
 }
 
 static bool take_global_option(const option_row *row, char *word, parsed_options *options, char problem[PROBLEM_SIZE]) {
     client_settings *settings = &options->settings;
     if (strcmp(row->name, "timeout") == 0) {
-        if (!parse_timeout(word, &settings->timeout_seconds))
-            return wrong_value(row, word, "a number of seconds from 1 to 3600", problem);
+        if (!parse_seconds(word, &settings->timeout_seconds))
+            return wrong_value(row->name, word, SECONDS_TEXT, problem);
     } else if (strcmp(row->name, "server") == 0) {
         options->server = word;
     } else if (strcmp(row->name, "output") == 0) {
         if (!parse_format(word, &settings->format))
-            return wrong_value(row, word, "text, json, value or dump", problem);
+            return wrong_value(row->name, word, "text, json, value or dump", problem);
     } else if (strcmp(row->name, "field") == 0) {
         settings->field = word;
         settings->format = output_format::VALUE;
     } else if (strcmp(row->name, "color") == 0) {
         if (!parse_colour(word, settings))
-            return wrong_value(row, word, "auto, always or never", problem);
+            return wrong_value(row->name, word, "auto, always or never", problem);
     } else {
         options->help = true;
     }
@@ -120,6 +126,21 @@ static void describe_wrong_option(int found, char **words, char problem[PROBLEM_
         snprintf(problem, PROBLEM_SIZE, "%s %s", word, found == ':' ? "needs a value" : "is no option");
 }
 
+// A number below zero behind a command is one of its words, as it is behind an operation, and no option. While getopt
+// sorts the words its minus sign is another character, which no option begins with.
+constexpr char HIDDEN_MINUS = '\x01';
+
+static void hide_minus(int count, char **words) {
+    for (int i = 1; i < count && strcmp(words[i], "--") != 0; i++)
+        if (words[i][0] == '-' && isdigit(static_cast<unsigned char>(words[i][1])))
+            words[i][0] = HIDDEN_MINUS;
+}
+
+static void show_minus(char *word) {
+    if (word && word[0] == HIDDEN_MINUS && isdigit(static_cast<unsigned char>(word[1])))
+        word[0] = '-';
+}
+
 static bool parse_options(const command_row *row, const char *mode, int count, char **words, parsed_options *options,
                           const char **own_values, char problem[PROBLEM_SIZE]) {
     getopt_tables tables = {};
@@ -130,6 +151,7 @@ static bool parse_options(const command_row *row, const char *mode, int count, c
     optind = 0;  // start afresh
     opterr = 0;
     for (int found; (found = getopt_long(count, words, tables.letters, tables.options, nullptr)) >= 0;) {
+        show_minus(optarg);
         const option_row *own = row ? found_row(row->options, row->option_count, found, FIRST_OWN) : nullptr;
         const option_row *global = found_row(global_options, global_option_count, found, FIRST_GLOBAL);
         if (own) {
@@ -154,9 +176,21 @@ bool parse_command_options(const command_row *row, int count, char **words, pars
                            char problem[PROBLEM_SIZE]) {
     *line = {row->options, {}, 0, nullptr};
     bool whole_line = row->words[0] == word_kind::COMMAND_LINE;  // whose options are its own
-    if (!parse_options(row, whole_line ? "+:" : ":", count, words, options, line->values, problem))
+    if (!whole_line)
+        hide_minus(count, words);
+    bool parsed = parse_options(row, whole_line ? "+:" : ":", count, words, options, line->values, problem);
+    for (int i = 1; i < count; i++)
+        show_minus(words[i]);
+    if (!parsed)
         return false;
     line->word_count = static_cast<size_t>(count - optind);
     line->words = words + optind;
     return true;
+}
+
+bool seconds_option(const command_line *line, const char *name, int otherwise, int *seconds,
+                    char problem[PROBLEM_SIZE]) {
+    const char *given = option_value(line, name);
+    *seconds = otherwise;
+    return !given || parse_seconds(given, seconds) || wrong_value(name, given, SECONDS_TEXT, problem);
 }

@@ -21,3 +21,7 @@ struct parsed_options {
 bool parse_leading_options(int count, char **words, parsed_options *options, int *used, char problem[PROBLEM_SIZE]);
 bool parse_command_options(const command_row *row, int count, char **words, parsed_options *options, command_line *line,
                            char problem[PROBLEM_SIZE]);
+
+// The value of an option of seconds, 1 to 3600; `otherwise` when it is not given. False with a sentence in `problem`.
+bool seconds_option(const command_line *line, const char *name, int otherwise, int *seconds,
+                    char problem[PROBLEM_SIZE]);

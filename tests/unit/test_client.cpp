@@ -77,9 +77,17 @@ TEST(ClientNames, NoTwoOperationsHaveTheSameName) {
     EXPECT_EQ(keys.size(), procedure_row_count);
 }
 
+// Commands that carry out the operation of their name; the others have names that no operation has.
+const std::set<std::string> OPERATIONS_AS_COMMANDS = {"load", "init", "reset"};
+
 TEST(ClientNames, NoOperationHidesBehindACommand) {
+    std::set<std::string> shared;
     for (size_t i = 0; i < command_row_count; i++)
-        EXPECT_EQ(find_operation(command_rows[i].name), nullptr) << command_rows[i].name;
+        if (find_operation(command_rows[i].name))
+            shared.insert(command_rows[i].name);
+    EXPECT_EQ(shared, OPERATIONS_AS_COMMANDS);
+    for (size_t i = 0; i < procedure_row_count; i++)
+        EXPECT_EQ(find_command(procedure_rows[i].name), nullptr) << procedure_rows[i].name;
 }
 
 TEST(ClientNames, WordsThatAreNoOperationAreNotFound) {
@@ -536,6 +544,58 @@ TEST_F(ClientCalls, SetterSendsItsArgumentsAndSaysOk) {
     EXPECT_EQ(server.arguments(), word_bytes(3) + word_bytes(2) + bytes("-1\0\0", 4));
 }
 
+// The words of a command, and those of the operation that it stands for.
+struct lifecycle_words {
+    std::vector<std::string> command, operation;
+    uint32_t procedure;
+    bytes arguments;
+};
+
+const lifecycle_words LIFECYCLE_WORDS[] = {
+    {{"load"}, {"wlan_load", "0"}, 1, word_bytes(0)},
+    {{"load", "1"}, {"wlan_load", "1"}, 1, word_bytes(1)},
+    {{"load", "-2"}, {"wlan_load", "-2"}, 1, word_bytes(0xfffffffe)},
+    {{"init"}, {"wlan_init"}, 2, ""},
+    {{"reset"}, {"wlan_reset"}, 3, ""},
+    {{"reconnect"}, {"pciReconnect"}, 0x100000F, ""},
+};
+
+TEST_F(ClientCalls, LifecycleCommandsAreTheOperationsOfTheirName) {
+    for (uint32_t code : {0u, 0xffffffffu}) {
+        server.answer_with(accepted(ACCEPTED, word_bytes(code)));
+        for (const lifecycle_words &words : LIFECYCLE_WORDS)
+            for (const char *format : {"text", "json", "value", "dump"}) {
+                std::vector<std::string> command = words.command, operation = words.operation;
+                for (std::vector<std::string> *line : {&command, &operation})
+                    line->insert(line->begin(), {"-o", format});
+                run_outcome one = call(command);
+                EXPECT_EQ(server.procedure(), word_bytes(words.procedure)) << words.command[0];
+                EXPECT_EQ(server.arguments(), words.arguments) << words.command[0];
+                run_outcome other = call(operation);
+                EXPECT_EQ(one.status, code ? 1 : 0) << words.command[0];
+                EXPECT_EQ(one.status, other.status) << words.command[0];
+                EXPECT_EQ(one.out, other.out) << words.command[0] << format;
+                EXPECT_EQ(one.errors, other.errors) << words.command[0] << format;
+            }
+    }
+    EXPECT_EQ(server.received(), 2 * 2 * 4 * 6);
+}
+
+TEST_F(ClientCalls, LifecycleCommandSaysOkAsTheOperationDoes) {
+    server.answer_with(accepted(ACCEPTED, word_bytes(0)));
+    for (const lifecycle_words &words : LIFECYCLE_WORDS)
+        EXPECT_EQ(call(words.command).out, "ok\n") << words.command[0];
+}
+
+TEST_F(ClientCalls, RequestThatIsRefusedIsNotFollowed) {
+    server.answer_with(accepted(ACCEPTED, word_bytes(0xffffffff)));
+    run_outcome outcome = call({"init", "--wait"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.errors, "init: the server answered failure (-1)\n");
+    EXPECT_EQ(server.received(), 1);
+}
+
 TEST_F(ClientCalls, GetterPrintsItsResult) {
     server.answer_with(accepted(ACCEPTED, word_bytes(0) + word_bytes(0) + word_bytes(5) + bytes("home\0\0\0\0", 8)));
     run_outcome outcome = call({"getSsid", "1"});
@@ -686,6 +746,36 @@ TEST(ClientProgram, WordsThatAreNoCommandLineAreUsage) {
         EXPECT_EQ(outcome.out, "");
         EXPECT_EQ(outcome.errors, "vlk_rpc_wlan_config_client: " + line + "\nTry: vlk_rpc_wlan_config_client --help\n");
     }
+}
+
+TEST(ClientProgram, OptionsOfCommandsHaveToMakeSense) {
+    for (const auto &[words, line] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"scan", "one"},
+              "scan: VAP is \"one\", but has to be a VAP index: a number, 1 to 16 for the VAPs there are\n"},
+             {{"scan", "1", "--wait", "0"},
+              "scan: --wait is \"0\", but has to be a number of seconds from 1 to 3600\n"},
+             {{"scan", "1", "--wait", "-3"},
+              "scan: --wait is \"-3\", but has to be a number of seconds from 1 to 3600\n"},
+             {{"scan", "1", "--cached", "--wait", "3"}, "scan: with --cached there is nothing to --wait for\n"},
+             {{"init", "--wait-for", "3601"},
+              "init: --wait-for is \"3601\", but has to be a number of seconds from 1 to 3600\n"},
+             {{"load", "--wait", "x"},
+              "load: <radio> is \"x\", but has to be a number from -2147483648 to 2147483647, of no effect\n"},
+             {{"watch", "--interval", "0", "list"},
+              "watch: --interval is \"0\", but has to be a number of seconds from 0.1 to 86400\n"},
+             {{"watch", "--count", "0", "list"}, "watch: --count is \"0\", but has to be a number from 1\n"},
+             {{"watch", "watch", "list"}, "watch: a watch cannot be watched\n"}}) {
+        run_outcome outcome = run(words);
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.errors, line);
+    }
+}
+
+TEST(ClientProgram, NegativeNumberBehindACommandIsAWordAndNoOption) {
+    EXPECT_EQ(run({"list", "-4711"}).errors, "list: no operation has \"-4711\" in its name, subject or summary\n");
+    EXPECT_TRUE(run({"list", "-t", "-1"}).errors.starts_with("list: --timeout is \"-1\", but has to be a number"));
+    EXPECT_TRUE(run({"list", "-x1"}).errors.starts_with("list: -x is no option\n"));
 }
 
 TEST(ClientProgram, TooManyWordsBehindACommandAreUsage) {
