@@ -9,6 +9,7 @@
 #include "client/metrics.h"
 #include "client/radio.h"
 #include "client/scan.h"
+#include "client/settings_commands.h"
 #include "client/stations.h"
 #include "client/status.h"
 #include "client/vaps.h"
@@ -185,6 +186,55 @@ const command_row command_rows[] = {
      "reset the Wi-Fi chips, and bring the interfaces up again",
      "Carries out the operation wlan_pci_reconnect; the gateway runs an init behind it.\n"
      "With --wait: until the driver has been gone, and then as init does."},
+    {"export",
+     command_group::SETTINGS,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     OPTIONS(export_options),
+     run_export,
+     "all settings of the gateway as one JSON document",
+     "Everything that can be read and set again: the gateway's settings, those of both radios and those of\n"
+     "the 16 VAPs. Keys, passphrases and PINs are in it as they are. A setting whose getter fails is left out\n"
+     "and named on standard error. Two exports of one gateway differ in nothing but the line with the time."},
+    {"diff",
+     command_group::SETTINGS,
+     "FILE",
+     {word_kind::FILE_NAME},
+     1,
+     1,
+     NO_OPTIONS,
+     run_diff,
+     "what applying an exported document would change",
+     "Sets nothing. FILE may have any part of a document; - is standard input. Secrets are not shown. The exit\n"
+     "status is 0 whether there are changes or not: programs look whether the list of changes is empty."},
+    {"apply",
+     command_group::SETTINGS,
+     "FILE",
+     {word_kind::FILE_NAME},
+     1,
+     1,
+     OPTIONS(apply_options),
+     run_apply,
+     "make the gateway's settings those of an exported document",
+     "Sets only what differs, in an order that works, and reads everything back afterwards. FILE may have any\n"
+     "part of a document; - is standard input. A document with a mistake in it is refused as a whole. Stops at\n"
+     "the first setting that cannot be set, and ends with the status of that call; with 1 when a setting does\n"
+     "not read back as it was set. Most settings take effect when Wi-Fi is brought up again: see init. After\n"
+     "factory settings the WPS files are missing until then: apply with --keep-going, init, and apply again.\n"
+     "With --confirm-within a process of its own puts the old settings back when confirm does not come in time,\n"
+     "and at once when this command is killed or interrupted before it is done."},
+    {"confirm",
+     command_group::SETTINGS,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     NO_OPTIONS,
+     run_confirm,
+     "keep the settings that `apply --confirm-within` has made",
+     "Ends with 6 when nothing waits to be confirmed."},
     {"watch",
      command_group::SCRIPTS,
      "COMMAND...",

@@ -162,3 +162,19 @@ bool same_value(const value *one, const value *other) {
     }
     return false;
 }
+
+value *add_copy(value *to, const char *name, const value *tree) {
+    value *copy = append(to, name, tree->kind);
+    copy->readers = tree->readers;
+    copy->shown = tree->shown;
+    copy->truth = tree->truth;
+    copy->number = tree->number;
+    copy->natural = tree->natural;
+    if (tree->text) {
+        copy->text = copied(tree->text, tree->length);
+        copy->length = tree->length;
+    }
+    for (const value *child = tree->first; child; child = child->next)
+        add_copy(copy, child->name, child);
+    return copy;
+}

@@ -60,3 +60,6 @@ size_t count_values(const value *parent);
 
 // Whether both are of the same kind and content, names aside. Members have to stand in the same order.
 bool same_value(const value *one, const value *other);
+
+// A copy of a whole tree as a member or element under this name.
+value *add_copy(value *to, const char *name, const value *tree);

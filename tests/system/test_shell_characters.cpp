@@ -60,6 +60,7 @@ std::set<std::string> documented_arguments() {
 
 TEST(ShellCharacters, ReachTheShellFromTheArgumentsThatTheDocumentNamesAndFromNoOther) {
     kept_settings kept;
+    restart_driver();
     std::set<std::string> reaching;
     for (size_t i = 0; i < procedure_row_count; i++)
         for (size_t argument = 0; argument < procedure_rows[i].argument_count; argument++)

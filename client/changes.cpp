@@ -1,0 +1,134 @@
+#include "client/changes.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "client/ask.h"
+#include "client/setting_conversions.h"
+
+constexpr size_t FAMILIES = static_cast<size_t>(setting_family::WPS) + 1;
+constexpr size_t PLACES = 17;  // 0 of the gateway, and 16 VAPs
+
+// In which phase a setter of a family was first called at a place; LAST_SETTING_PHASE where none was.
+struct touched_families {
+    setting_phase phases[FAMILIES][PLACES];
+};
+
+// Where a family's settings meet. The WPS methods are the gateway's and switch WPS of the first VAP of each radio.
+static size_t meeting_place(const setting_row *setting, int place) {
+    bool follows_methods = setting->family == setting_family::WPS && (place == 1 || place == 9);
+    return follows_methods ? 0 : static_cast<size_t>(place);
+}
+
+static setting_phase *touched(touched_families *families, const setting_row *setting, int place) {
+    return &families->phases[static_cast<size_t>(setting->family)][meeting_place(setting, place)];
+}
+
+static void append_change(change_list *list, const setting_change *change) {
+    if (list->count == list->room) {
+        list->room = list->room ? 2 * list->room : 64;
+        list->changes = static_cast<setting_change *>(realloc(list->changes, list->room * sizeof *list->changes));
+        if (!list->changes)
+            end_without_memory();
+    }
+    list->changes[list->count++] = *change;
+}
+
+static void compare_element(change_list *list, touched_families *families, setting_change *change) {
+    const setting_row *setting = change->setting;
+    change->then = find_setting_element(change->settings_then, setting, change->place, change->element);
+    if (!change->then)
+        return;
+    change->now = find_setting_element(change->settings_now, setting, change->place, change->element);
+    change->expected = !change->now || !same_value(change->now, change->then);
+    bool alone = setting->family == setting_family::ALONE;
+    setting_phase *before = touched(families, setting, change->place);
+    if (change->expected || (!alone && *before < setting->phase))
+        append_change(list, change);
+    if (change->expected && setting->phase < *before)
+        *before = setting->phase;
+}
+
+static void compare_setting(change_list *list, touched_families *families, const setting_row *setting,
+                            setting_change *change) {
+    place_range places = places_of(setting->scope);
+    change->setting = setting;
+    for (change->place = places.first; change->place <= places.last; change->place++)
+        for (change->element = 0; change->element < (has_elements(setting) ? SETTING_ELEMENTS : 1); change->element++)
+            compare_element(list, families, change);
+}
+
+change_list find_changes(const value *now, const value *then) {
+    change_list list = {};
+    touched_families families;
+    for (auto &family : families.phases)
+        for (setting_phase &phase : family)
+            phase = LAST_SETTING_PHASE;
+    setting_change change = {nullptr, 0, 0, false, nullptr, nullptr, now, then};
+    for (int phase = 0; phase <= static_cast<int>(LAST_SETTING_PHASE); phase++)
+        for (size_t i = 0; i < setting_row_count; i++)
+            if (setting_rows[i].phase == static_cast<setting_phase>(phase))
+                compare_setting(&list, &families, &setting_rows[i], &change);
+    return list;
+}
+
+void free_changes(change_list *list) {
+    free(list->changes);
+    *list = {};
+}
+
+size_t count_expected(const change_list *list) {
+    size_t count = 0;
+    for (size_t i = 0; i < list->count; i++)
+        count += list->changes[i].expected;
+    return count;
+}
+
+// Whether a setting that was as it should be still is, after others have been set.
+static bool is_still_right(client_session *session, const setting_change *change, client_exit_status *status) {
+    value *found;
+    *status = read_setting(session, change->setting, change->place, &found);
+    if (*status == EXIT_STATUS_FAILURE)
+        *status = EXIT_STATUS_SUCCESS;
+    bool right = found && same_value(found, change->then);
+    free_value(found);
+    return right;
+}
+
+static client_exit_status make_change(client_session *session, const setting_change *change,
+                                      const procedure_row **procedure) {
+    call_plan plan = {};
+    client_exit_status status = EXIT_STATUS_SUCCESS;
+    plan_change(&plan, change);
+    for (size_t i = 0; i < plan.count && status == EXIT_STATUS_SUCCESS; i++) {
+        wlan_config_result_data_t result;
+        *procedure = plan.calls[i].procedure;
+        status = ask(session, *procedure, &plan.calls[i].arguments, &result);
+        release_result(&result);
+    }
+    free_plan(&plan);
+    return status;
+}
+
+client_exit_status make_changes(client_session *session, const change_list *list, bool keep_going,
+                                change_listener listener, void *context) {
+    client_exit_status first = EXIT_STATUS_SUCCESS;
+    for (size_t i = 0; i < list->count; i++) {
+        const setting_change *change = &list->changes[i];
+        change_outcome outcome = {change, row_of(change->setting->getter), EXIT_STATUS_SUCCESS, ""};
+        if (!change->expected && is_still_right(session, change, &outcome.status))
+            continue;
+        if (outcome.status == EXIT_STATUS_SUCCESS)
+            outcome.status = make_change(session, change, &outcome.procedure);
+        if (outcome.status != EXIT_STATUS_SUCCESS)
+            snprintf(outcome.problem, sizeof outcome.problem, "%s", session->problem);
+        if (listener)
+            listener(context, &outcome);
+        first = first == EXIT_STATUS_SUCCESS ? outcome.status : first;
+        bool goes_on = outcome.status == EXIT_STATUS_SUCCESS || (keep_going && outcome.status == EXIT_STATUS_FAILURE);
+        if (!goes_on)
+            break;
+    }
+    return first;
+}
