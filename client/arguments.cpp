@@ -82,9 +82,11 @@ static bool parse_number(const char *word, number_range range, int64_t *number) 
     return true;
 }
 
+const char *const boolean_words[][2] = {{"false", "true"}, {"off", "on"}, {"no", "yes"}};
+const size_t boolean_word_count = sizeof boolean_words / sizeof *boolean_words;
+
 static bool parse_bool(const char *word, int64_t *number) {
-    static const char *const words[][2] = {{"false", "true"}, {"off", "on"}, {"no", "yes"}};
-    for (const auto &pair : words)
+    for (const auto &pair : boolean_words)
         for (int value = 0; value <= 1; value++)
             if (strcasecmp(word, pair[value]) == 0) {
                 *number = value;

@@ -26,6 +26,10 @@ constexpr size_t PROBLEM_SIZE = 512;
 // What a kind accepts, for people: "a number from 0 to 65535".
 const char *accepted_text(argument_kind kind);
 
+// The words of BOOL besides 0 and 1: what means false, and beside it what means true.
+extern const char *const boolean_words[][2];
+extern const size_t boolean_word_count;
+
 // One word as a value; false when it is none of its kind. Numbers are decimal or begin with 0x.
 bool parse_argument(argument_kind kind, char *word, argument_value *value);
 

@@ -2,6 +2,8 @@
 
 #include <string.h>
 
+#include "client/batch.h"
+#include "client/completion.h"
 #include "client/documents.h"
 #include "client/lifecycle.h"
 #include "client/list.h"
@@ -10,6 +12,7 @@
 #include "client/radio.h"
 #include "client/scan.h"
 #include "client/settings_commands.h"
+#include "client/shell.h"
 #include "client/stations.h"
 #include "client/status.h"
 #include "client/vaps.h"
@@ -19,7 +22,7 @@ const option_row global_options[] = {
     {"timeout", "SECONDS", "wait this long for each answer, 1 to 3600; 25 if not given", word_kind::NUMBER, 't'},
     {"server", "ADDRESS", "the server's address or name; 192.168.254.254 if not given", word_kind::TEXT, 's'},
     {"output", "FORMAT", "text, json, value (bare values) or dump (every byte of a result)", word_kind::FORMAT, 'o'},
-    {"field", "NAME", "with -o value, which it implies: the values with this name, a line each", word_kind::TEXT, 'f'},
+    {"field", "NAME", "with -o value, which it implies: the values with this name, a line each", word_kind::FIELD, 'f'},
     {"color", "WHEN", "auto, always or never; auto is a terminal without NO_COLOR", word_kind::WHEN, '\0'},
     {"help", nullptr, "what the command or operation does and takes", word_kind::NONE, 'h'},
 };
@@ -50,6 +53,11 @@ static const option_row watch_options[] = {
 static const option_row lifecycle_options[] = {
     {"wait", nullptr, "follow the driver until it is there", word_kind::NONE, 'w'},
     {"wait-for", "SECONDS", "the same, but no longer than this, 1 to 3600; 180 if not given", word_kind::NUMBER, '\0'},
+};
+
+static const option_row batch_options[] = {
+    {"keep-going", nullptr, "go on with the next line when one fails", word_kind::NONE, 'k'},
+    {"echo", nullptr, "print each line before its output; in JSON as \"input\"", word_kind::NONE, 'e'},
 };
 
 const command_row command_rows[] = {
@@ -247,6 +255,33 @@ const command_row command_rows[] = {
      "Options of the watch stand before COMMAND. On a terminal each answer takes the place of the one before, below\n"
      "the time (UTC) and the command line. With -o json each answer is one line and has the member \"time\".\n"
      "Ends with the status of the last run, and with 0 when it is interrupted."},
+    {"batch",
+     command_group::SCRIPTS,
+     "[FILE]",
+     {word_kind::FILE_NAME},
+     0,
+     1,
+     OPTIONS(batch_options),
+     run_batch,
+     "carry out commands and operations, a line each, of a file or of standard input",
+     "Lines are split into words as a shell does it: blanks, '...', \"...\" and backslashes, and # begins a comment.\n"
+     "Nothing is expanded. Options on a line hold for that line. Without FILE, and with -, lines are read from\n"
+     "standard input and carried out as they arrive. The first line that fails ends the batch; its exit status is the\n"
+     "batch's, also with --keep-going. With -o json each answer is one line and has the number of its line."},
+    {"shell",
+     command_group::SCRIPTS,
+     "",
+     {word_kind::NONE},
+     0,
+     0,
+     NO_OPTIONS,
+     run_shell,
+     "type commands and operations one after the other, with history and completion",
+     "TAB completes, Ctrl-C gives a new line or ends the command that is running, Ctrl-D or exit ends the shell. "
+     "Lines\n"
+     "are split as those of a batch. They are remembered in $XDG_STATE_HOME/vlk_wlan_config_history, or in\n"
+     "~/.local/state, but for those with a key, passphrase or PIN. The exit status is that of the last command. When\n"
+     "standard input is no terminal, this is batch --keep-going."},
     {"reference",
      command_group::DEVELOPERS,
      "",
@@ -296,6 +331,26 @@ const command_row command_rows[] = {
      NO_OPTIONS,
      run_manual,
      "the client's manual page, in mdoc",
+     ""},
+    {"__complete",
+     command_group::HIDDEN,
+     "[WORD...]",
+     {word_kind::RAW_WORDS},
+     0,
+     ANY_NUMBER_OF_WORDS,
+     NO_OPTIONS,
+     run_complete,
+     "what the last word can become, for the completion scripts",
+     ""},
+    {"__complete_line",
+     command_group::HIDDEN,
+     "LINE",
+     {word_kind::RAW_WORDS},
+     0,
+     ANY_NUMBER_OF_WORDS,
+     NO_OPTIONS,
+     run_complete_line,
+     "the same for a line as it was typed",
      ""},
 };
 const size_t command_row_count = sizeof command_rows / sizeof *command_rows;

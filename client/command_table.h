@@ -20,7 +20,9 @@ enum class word_kind {
     ANY_COMMAND,   // a command or an operation
     COMMAND_LINE,  // a whole command with everything behind it
     FORMAT,
-    WHEN,  // auto, always, never
+    WHEN,       // auto, always, never
+    FIELD,      // a name in a result
+    RAW_WORDS,  // everything behind the command as it stands, options too
 };
 
 struct option_row {

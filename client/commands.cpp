@@ -11,11 +11,20 @@
 #include "client/names.h"
 #include "client/options.h"
 #include "client/results.h"
+#include "client/suggest.h"
+#include "client/words.h"
 
-static client_exit_status complain_of_usage(client_session *session, const char *problem) {
-    client_exit_status status = complain(session, EXIT_STATUS_USAGE, "%s", problem);
+static client_exit_status complain_of_usage(client_session *session, const char *problem, const suggestions *meant) {
+    client_exit_status status = complain_with_suggestions(session, EXIT_STATUS_USAGE, problem, meant);
     remark(session, "Try: %s --help\n", PROGRAM_NAME);
     return status;
+}
+
+// The options before the wrong one hold for what is said about it.
+static client_exit_status complain_of_option(client_session *session, const parsed_options *options,
+                                             const char *problem) {
+    session->settings = options->settings;
+    return complain_of_usage(session, problem, &options->meant);
 }
 
 // The answer to an operation: what came back, and that it failed when it did.
@@ -89,6 +98,20 @@ static bool parse_trailing_options(const procedure_row *row, int *count, char **
     return true;
 }
 
+// What the first word may have meant that is none of the words for true and false.
+static void consider_booleans(suggestions *meant, const procedure_row *row, int count, char **words) {
+    argument_value parsed;
+    int place = 0;
+    int last = static_cast<int>(row->argument_count);
+    while (place < count && place < last && parse_argument(row->arguments[place].kind, words[place], &parsed))
+        place++;
+    if (place == count || place == last || row->arguments[place].kind != argument_kind::BOOL)
+        return;
+    for (size_t i = 0; i < boolean_word_count; i++)
+        for (const char *word : boolean_words[i])
+            consider(meant, words[place], word);
+}
+
 static client_exit_status run_operation(client_session *session, const procedure_row *row, int count, char **words,
                                         server_connection *own) {
     char name[OPERATION_NAME_SIZE], problem[PROBLEM_SIZE];
@@ -98,14 +121,16 @@ static client_exit_status run_operation(client_session *session, const procedure
     bool takes_text = row->argument_count > 0 && row->arguments[0].kind == argument_kind::TEXT;
     parsed_options options = {session->settings, nullptr, count == 2 && !takes_text && is_help_option(words[1])};
     if (!options.help && !parse_trailing_options(row, &count, words, &options, problem))
-        return complain_of_usage(session, problem);
+        return complain_of_option(session, &options, problem);
     begin(session, &options, own);
     if (options.help)
         return describe_operation(session, row);
     call_arguments arguments;
     if (parse_arguments(row, static_cast<size_t>(count - 1), words + 1, &arguments, problem))
         return call_operation(session, row, &arguments);
-    complain(session, EXIT_STATUS_USAGE, "%s", problem);
+    suggestions meant;
+    consider_booleans(&meant, row, count - 1, words + 1);
+    complain_with_suggestions(session, EXIT_STATUS_USAGE, problem, &meant);
     if (session->settings.format != output_format::JSON)
         print_usage(session->errors, row);
     return EXIT_STATUS_USAGE;
@@ -119,7 +144,7 @@ static client_exit_status run_command(client_session *session, const command_row
     session->speaker = row->name;
     session->is_operation = false;
     if (!parse_command_options(row, count, words, &options, &line, problem))
-        return complain_of_usage(session, problem);
+        return complain_of_option(session, &options, problem);
     begin(session, &options, own);
     if (options.help) {
         print_command_help(session->out, row);
@@ -155,15 +180,36 @@ static client_exit_status run_command_line(client_session *session, int argc, ch
     char problem[PROBLEM_SIZE];
     int used;
     if (!parse_leading_options(argc, argv, &options, &used, problem))
-        return complain_of_usage(session, problem);
+        return complain_of_option(session, &options, problem);
     begin(session, &options, own);
     if (options.help) {
         print_program_help(session->out);
         return EXIT_STATUS_SUCCESS;
     }
     if (used >= argc)
-        return complain_of_usage(session, "an operation or a command is missing");
+        return complain_of_usage(session, "an operation or a command is missing", &options.meant);
     return run_words(session, argc - used, argv + used);
+}
+
+bool is_this_program(const char *word) {
+    const char *slash = strrchr(word, '/');
+    return strcmp(slash ? slash + 1 : word, PROGRAM_NAME) == 0;
+}
+
+client_exit_status run_line(client_session *session, size_t count, char **words) {
+    size_t first = count > 0 && is_this_program(words[0]);
+    char program[] = "";
+    char *line[LINE_WORDS_MAX + 2] = {program};
+    int taken = 1;
+    for (size_t i = first; i < count && i < LINE_WORDS_MAX; i++)
+        line[taken++] = words[i];
+    client_session one = *session;
+    one.speaker = nullptr;
+    one.is_operation = false;
+    server_connection own = {};
+    client_exit_status status = run_command_line(&one, taken, line, &own);
+    close_connection(&own);
+    return status;
 }
 
 client_exit_status run_client(int argc, char **argv, const call_endpoint *endpoint, FILE *out, FILE *errors) {

@@ -13,3 +13,10 @@ client_exit_status run_client(int argc, char **argv, const call_endpoint *endpoi
 // One command or operation in a session that goes on: words[0] is its name. Options behind it hold for it alone. The
 // words may be reordered.
 client_exit_status run_words(client_session *session, int count, char **words);
+
+// The same for the words of a line that may have been pasted from a shell: the program's name and options may stand
+// before them. At most LINE_WORDS_MAX words.
+client_exit_status run_line(client_session *session, size_t count, char **words);
+
+// Whether a word is the program's name as a person types it, with or without its folder.
+bool is_this_program(const char *word);

@@ -7,21 +7,43 @@
 #include "client/names.h"
 
 client_exit_status complain_of_word(client_session *session, client_exit_status status, const char *word) {
-    const procedure_row *suggestions[SUGGESTIONS_MAX];
-    size_t count = suggest_operations(word, suggestions);
-    value *answer = new_answer(session);
-    value *meant = add_list(answer, "suggestions");
+    bool commands_too = !session->speaker || strcmp(session->speaker, "describe") != 0;
+    suggestions found;
+    for (size_t i = 0; commands_too && i < command_row_count; i++)
+        if (command_rows[i].group != command_group::HIDDEN)
+            consider(&found, word, command_rows[i].name);
+    consider_operations(&found, word);
     char problem[PROBLEM_SIZE];
-    int length = snprintf(problem, sizeof problem, "there is no operation \"%.64s\"", word);
-    for (size_t i = 0; i < count; i++) {
-        char name[OPERATION_NAME_SIZE];
-        operation_name(suggestions[i], name);
-        add_string(meant, nullptr, name);
-        length += snprintf(problem + length, sizeof problem - static_cast<size_t>(length), "%s%s%s",
-                           i == 0 ? "\nDid you mean " : ", ", name, i + 1 == count ? "?" : "");
+    snprintf(problem, sizeof problem, "there is no operation \"%.64s\"", word);
+    complain_with_suggestions(session, status, problem, &found);
+    remark(session, "Try: %s list\n", PROGRAM_NAME);
+    return status;
+}
+
+// Each word of a text, such as a subject or the name of a procedure.
+static void consider_words(suggestions *found, const char *wanted, const char *text) {
+    for (size_t length; *text; text += length) {
+        text += strspn(text, " _,");
+        length = strcspn(text, " _,");
+        char word[SUGGESTION_SIZE];
+        snprintf(word, sizeof word, "%.*s", static_cast<int>(length), text);
+        consider(found, wanted, word);
     }
-    snprintf(problem + length, sizeof problem - static_cast<size_t>(length), "\nTry: %s list", PROGRAM_NAME);
-    return complain_in(session, answer, status, problem);
+}
+
+// The same for a word that filters the list: single words of subjects and names do for that.
+static client_exit_status complain_of_filter(client_session *session, const char *word) {
+    suggestions found;
+    for (size_t i = 0; i < procedure_row_count; i++)
+        consider_words(&found, word, procedure_rows[i].subject);
+    for (size_t i = 0; i < procedure_row_count; i++)
+        consider_words(&found, word, procedure_rows[i].name);
+    for (size_t i = 0; i < procedure_row_count; i++)
+        consider(&found, word, procedure_rows[i].subject);
+    consider_operations(&found, word);
+    char problem[PROBLEM_SIZE];
+    snprintf(problem, sizeof problem, "no operation has \"%.64s\" in its name, subject or summary", word);
+    return complain_with_suggestions(session, EXIT_STATUS_NOT_FOUND, problem, &found);
 }
 
 static client_exit_status list_for_programs(client_session *session, const char *word) {
@@ -33,7 +55,7 @@ static client_exit_status list_for_programs(client_session *session, const char 
     if (operations->first)
         return show(session, result);
     free_value(result);
-    return complain(session, EXIT_STATUS_NOT_FOUND, "no operation has \"%s\" in its name, subject or summary", word);
+    return complain_of_filter(session, word);
 }
 
 client_exit_status run_list(client_session *session, const command_line *line) {
@@ -42,7 +64,7 @@ client_exit_status run_list(client_session *session, const command_line *line) {
         return list_for_programs(session, word);
     if (print_list(session->out, word, session->settings.colour) > 0)
         return EXIT_STATUS_SUCCESS;
-    return complain(session, EXIT_STATUS_NOT_FOUND, "no operation has \"%s\" in its name, subject or summary", word);
+    return complain_of_filter(session, word);
 }
 
 client_exit_status describe_operation(client_session *session, const procedure_row *row) {

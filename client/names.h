@@ -7,12 +7,11 @@
 #include <stddef.h>
 
 #include "client/operations.h"
+#include "client/suggest.h"
 
 // Room for the name of any operation and its NUL.
 constexpr size_t OPERATION_NAME_SIZE = 64;
-
-// As many names as a person reads before asking for the list instead.
-constexpr size_t SUGGESTIONS_MAX = 5;
+static_assert(OPERATION_NAME_SIZE <= SUGGESTION_SIZE);
 
 // wlan_check_thread_queue becomes checkThreadQueue.
 void operation_name(const procedure_row *row, char name[OPERATION_NAME_SIZE]);
@@ -21,7 +20,10 @@ void operation_name(const procedure_row *row, char name[OPERATION_NAME_SIZE]);
 const procedure_row *find_operation(const char *word);
 
 // The rows a mistyped word may have meant, the most likely first. Returns how many.
-size_t suggest_operations(const char *word, const procedure_row *suggestions[SUGGESTIONS_MAX]);
+size_t suggest_operations(const char *word, const procedure_row *rows[SUGGESTIONS_MAX]);
+
+// The same as names, beside what else the word may have meant.
+void consider_operations(suggestions *found, const char *word);
 
 // Whether the word is part of a row's name, subject or summary, in whatever capitalisation.
 bool operation_matches(const procedure_row *row, const char *word);

@@ -59,38 +59,68 @@ static bool parse_seconds(const char *word, int *seconds) {
     return true;
 }
 
-static bool parse_format(const char *word, output_format *format) {
-    static const struct {
-        const char *word;
-        output_format format;
-    } formats[] = {
-        {"text", output_format::TEXT},
-        {"json", output_format::JSON},
-        {"value", output_format::VALUE},
-        {"dump", output_format::DUMP},
-    };
-    for (const auto &known : formats)
-        if (strcmp(known.word, word) == 0) {
-            *format = known.format;
+enum colour_when : int { COLOUR_AUTO, COLOUR_ALWAYS, COLOUR_NEVER };
+
+static constexpr choice_row formats[] = {
+    {"text", "for people", static_cast<int>(output_format::TEXT)},
+    {"json", "one object, for programs", static_cast<int>(output_format::JSON)},
+    {"value", "bare values", static_cast<int>(output_format::VALUE)},
+    {"dump", "every byte of a result", static_cast<int>(output_format::DUMP)},
+};
+
+static constexpr choice_row colours[] = {
+    {"auto", "on a terminal without NO_COLOR", COLOUR_AUTO},
+    {"always", "also into files and pipes", COLOUR_ALWAYS},
+    {"never", "no colours", COLOUR_NEVER},
+};
+
+word_choices choices_of(word_kind kind) {
+    if (kind == word_kind::FORMAT)
+        return {sizeof formats / sizeof *formats, formats};
+    if (kind == word_kind::WHEN)
+        return {sizeof colours / sizeof *colours, colours};
+    return {0, nullptr};
+}
+
+static bool parse_choice(word_kind kind, const char *word, int *number) {
+    word_choices choices = choices_of(kind);
+    for (size_t i = 0; i < choices.count; i++)
+        if (strcmp(choices.rows[i].word, word) == 0) {
+            *number = choices.rows[i].number;
             return true;
         }
     return false;
 }
 
-static bool parse_colour(const char *word, client_settings *settings) {
-    bool always = strcmp(word, "always") == 0;
-    bool automatic = strcmp(word, "auto") == 0;
-    if (!always && !automatic && strcmp(word, "never") != 0)
+static bool parse_format(const char *word, output_format *format) {
+    int number;
+    if (!parse_choice(word_kind::FORMAT, word, &number))
         return false;
-    settings->colour = always || (automatic && wants_colour(settings->terminal));
+    *format = static_cast<output_format>(number);
+    return true;
+}
+
+static bool parse_colour(const char *word, client_settings *settings) {
+    int when;
+    if (!parse_choice(word_kind::WHEN, word, &when))
+        return false;
+    settings->colour = when == COLOUR_ALWAYS || (when == COLOUR_AUTO && wants_colour(settings->terminal));
     return true;
 }
 
 // What parse_seconds takes.
 constexpr const char SECONDS_TEXT[] = "a number of seconds from 1 to 3600";
 
-static bool wrong_value(const char *option, const char *word, const char *wanted, char problem[PROBLEM_SIZE]) {
+static void describe_wrong_value(const char *option, const char *word, const char *wanted, char problem[PROBLEM_SIZE]) {
     snprintf(problem, PROBLEM_SIZE, "--%s is \"%s\", but has to be %s", option, word, wanted);
+}
+
+static bool wrong_value(const option_row *row, const char *word, const char *wanted, suggestions *meant,
+                        char problem[PROBLEM_SIZE]) {
+    word_choices choices = choices_of(row->value);
+    for (size_t i = 0; i < choices.count; i++)
+        consider(meant, word, choices.rows[i].word);
+    describe_wrong_value(row->name, word, wanted, problem);
     return false;
 }
 
@@ -98,22 +128,56 @@ static bool take_global_option(const option_row *row, char *word, parsed_options
     client_settings *settings = &options->settings;
     if (strcmp(row->name, "timeout") == 0) {
         if (!parse_seconds(word, &settings->timeout_seconds))
-            return wrong_value(row->name, word, SECONDS_TEXT, problem);
+            return wrong_value(row, word, SECONDS_TEXT, &options->meant, problem);
     } else if (strcmp(row->name, "server") == 0) {
         options->server = word;
     } else if (strcmp(row->name, "output") == 0) {
         if (!parse_format(word, &settings->format))
-            return wrong_value(row->name, word, "text, json, value or dump", problem);
+            return wrong_value(row, word, "text, json, value or dump", &options->meant, problem);
     } else if (strcmp(row->name, "field") == 0) {
         settings->field = word;
         settings->format = output_format::VALUE;
     } else if (strcmp(row->name, "color") == 0) {
         if (!parse_colour(word, settings))
-            return wrong_value(row->name, word, "auto, always or never", problem);
+            return wrong_value(row, word, "auto, always or never", &options->meant, problem);
     } else {
         options->help = true;
     }
     return true;
+}
+
+static bool begins_with(const option_row *row, const char *name, size_t length) {
+    return strncmp(row->name, name, length) == 0;
+}
+
+static bool is_exactly(const option_row *row, const char *name, size_t length) {
+    return strlen(row->name) == length && begins_with(row, name, length);
+}
+
+const option_row *find_option(const command_row *own, const char *name, size_t length) {
+    const option_row *found = nullptr;
+    size_t count = 0;
+    size_t own_count = own ? own->option_count : 0;
+    for (size_t i = 0; i < global_option_count + own_count; i++) {
+        const option_row *row = i < global_option_count ? &global_options[i] : &own->options[i - global_option_count];
+        if (is_exactly(row, name, length))
+            return row;
+        if (!begins_with(row, name, length))
+            continue;
+        found = row;
+        count++;
+    }
+    return count == 1 ? found : nullptr;
+}
+
+// The options that a mistyped --tiemout=5 may have meant.
+static void consider_options(suggestions *meant, const char *word, const option_row *rows, size_t count) {
+    char wanted[SUGGESTION_SIZE], option[SUGGESTION_SIZE];
+    snprintf(wanted, sizeof wanted, "%.*s", static_cast<int>(strcspn(word, "=")), word);
+    for (size_t i = 0; i < count; i++) {
+        snprintf(option, sizeof option, "--%s", rows[i].name);
+        consider(meant, wanted, option);
+    }
 }
 
 // `found` is what getopt_long made of the wrong option: '?' for none that there is, ':' for a missing value.
@@ -158,6 +222,11 @@ static bool parse_options(const command_row *row, const char *mode, int count, c
             own_values[own - row->options] = own->value_name ? optarg : "";
         } else if (!global) {
             describe_wrong_option(found, words, problem);
+            if (found == '?' && strncmp(words[optind - 1], "--", 2) == 0) {
+                consider_options(&options->meant, words[optind - 1], global_options, global_option_count);
+                consider_options(&options->meant, words[optind - 1], row ? row->options : nullptr,
+                                 row ? row->option_count : 0);
+            }
             return false;
         } else if (!take_global_option(global, optarg, options, problem)) {
             return false;
@@ -175,6 +244,11 @@ bool parse_leading_options(int count, char **words, parsed_options *options, int
 bool parse_command_options(const command_row *row, int count, char **words, parsed_options *options, command_line *line,
                            char problem[PROBLEM_SIZE]) {
     *line = {row->options, {}, 0, nullptr};
+    if (row->words[0] == word_kind::RAW_WORDS) {
+        line->word_count = static_cast<size_t>(count - 1);
+        line->words = words + 1;
+        return true;
+    }
     bool whole_line = row->words[0] == word_kind::COMMAND_LINE;  // whose options are its own
     if (!whole_line)
         hide_minus(count, words);
@@ -192,5 +266,8 @@ bool seconds_option(const command_line *line, const char *name, int otherwise, i
                     char problem[PROBLEM_SIZE]) {
     const char *given = option_value(line, name);
     *seconds = otherwise;
-    return !given || parse_seconds(given, seconds) || wrong_value(name, given, SECONDS_TEXT, problem);
+    if (!given || parse_seconds(given, seconds))
+        return true;
+    describe_wrong_value(name, given, SECONDS_TEXT, problem);
+    return false;
 }

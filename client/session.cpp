@@ -4,19 +4,42 @@
 
 #include "client/help.h"
 #include "client/render.h"
+#include "client/suggest.h"
 
 value *new_answer(const client_session *session) {
     value *answer = new_object();
+    if (session->origin.line)
+        add_unsigned(answer, "line", session->origin.line);
+    if (session->origin.text)
+        add_string(answer, "input", session->origin.text);
     if (session->speaker)
         add_string(answer, session->is_operation ? "operation" : "command", session->speaker);
     return answer;
+}
+
+static void consider_members(suggestions *found, const value *parent, const char *wanted) {
+    for (const value *child = parent->first; child; child = child->next) {
+        if (child->readers == audience::PEOPLE)
+            continue;
+        if (child->name)
+            consider(found, wanted, child->name);
+        consider_members(found, child, wanted);
+    }
+}
+
+static client_exit_status complain_of_field(client_session *session, const value *result, const char *field) {
+    char problem[PROBLEM_SIZE];
+    snprintf(problem, sizeof problem, "the result has no \"%s\"", field);
+    suggestions found;
+    consider_members(&found, result, field);
+    return complain_with_suggestions(session, EXIT_STATUS_NOT_FOUND, problem, &found);
 }
 
 static client_exit_status show_value(client_session *session, const value *result) {
     const char *field = session->settings.field;
     size_t count = render_values(session->out, result, field);
     if (field && count == 0)
-        return complain(session, EXIT_STATUS_NOT_FOUND, "the result has no \"%s\"", field);
+        return complain_of_field(session, result, field);
     if (!field && count > 1)
         return complain(session, EXIT_STATUS_USAGE, "the result has %zu values: choose one by its name with --field",
                         count);
@@ -50,6 +73,17 @@ client_exit_status show(client_session *session, value *result) {
     return status;
 }
 
+// Who says it: "batch.txt:3: getSsid: ", or the program's name where there is no better one.
+static void print_speaker(const client_session *session) {
+    const char *speaker = session->speaker;
+    if (session->origin.file)
+        fprintf(session->errors, "%s:%zu: ", session->origin.file, session->origin.line);
+    else if (!speaker)
+        speaker = PROGRAM_NAME;
+    if (speaker)
+        fprintf(session->errors, "%s: ", speaker);
+}
+
 client_exit_status complain_in(client_session *session, value *answer, client_exit_status status, const char *problem) {
     fflush(session->out);  // what is there of a result comes first, also where both streams go to one place
     if (session->settings.format == output_format::JSON) {
@@ -60,7 +94,8 @@ client_exit_status complain_in(client_session *session, value *answer, client_ex
         render_json(session->out, answer);
         fflush(session->out);
     } else {
-        fprintf(session->errors, "%s: %s\n", session->speaker ? session->speaker : PROGRAM_NAME, problem);
+        print_speaker(session);
+        fprintf(session->errors, "%s\n", problem);
     }
     free_value(answer);
     return status;

@@ -20,6 +20,16 @@ struct client_settings {
     bool colour;
 };
 
+// Where a command comes from that is one line of many.
+enum class line_source { NONE, BATCH, SHELL };
+
+struct line_origin {
+    line_source source = line_source::NONE;
+    const char *file = nullptr;  // stands before each error, with the line; nullptr for no such beginning
+    size_t line = 0;             // from 1; 0 without a number
+    const char *text = nullptr;  // the line itself, for answers that repeat it
+};
+
 struct client_session {
     server_connection *connection;
     client_settings settings;
@@ -28,9 +38,11 @@ struct client_session {
     const char *speaker;         // the operation or command that is carried out
     bool is_operation;           // what the speaker is
     char problem[PROBLEM_SIZE];  // what went wrong with the last call
+    line_origin origin = {};     // of a line of a batch or of the shell
 };
 
-// {"operation":"setSsid"} or {"command":"status"}, to which result and error are added. The caller owns it.
+// {"operation":"setSsid"} or {"command":"status"}, to which result and error are added; the line of a batch stands
+// before that: {"line":3,"operation":"setSsid"}. The caller owns it.
 value *new_answer(const client_session *session);
 
 // Prints a result (an object) in the session's format and frees it; flushes, since a reader may wait for each line of a

@@ -7,7 +7,7 @@ trap 'rm -rf "$folder"' EXIT
 DESTDIR=$folder cmake --install "$1" >"$folder/log"
 server=$(find "$folder" -name vlk_rpc_wlan_config_server)
 [ -x "$server" ]
-[ -x "$(find "$folder" -name vlk_rpc_wlan_config_client)" ]
+[ -x "$(find "$folder" -path '*/sbin/vlk_rpc_wlan_config_client')" ]
 [ -z "$2" ] || exit 0
 needed=$(objdump -p "$server" | sed -n 's/^ *NEEDED *//p')
 echo "$needed"

@@ -68,7 +68,7 @@ TEST(ClientSession, FieldThatIsNotThereIsNotFound) {
     test.session.speaker = "status";
     test.session.settings.field = "bssid";
     EXPECT_EQ(show(&test.session, one_ssid()), EXIT_STATUS_NOT_FOUND);
-    EXPECT_EQ(test.errors(), "status: the result has no \"bssid\"\n");
+    EXPECT_EQ(test.errors(), "status: the result has no \"bssid\"\nDid you mean ssid?\n");
 }
 
 TEST(ClientSession, LinesOfAStreamAreThereAtOnce) {
