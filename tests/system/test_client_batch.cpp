@@ -52,6 +52,7 @@ struct open_batch {
         if (pid == 0) {
             dup2(input[0], STDIN_FILENO);
             dup2(output[1], STDOUT_FILENO);
+            signal(SIGINT, SIG_DFL);  // a shell that runs the tests in the background has it ignored
             execl("/usr/sbin/vlk_rpc_wlan_config_client", "client", "batch", nullptr);
             _exit(127);
         }

@@ -1,5 +1,6 @@
 // The examples that `describe` shows, typed as they stand, at the real server.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -17,6 +18,9 @@ protected:
     void SetUp() override {
         kept.emplace();
         restart_driver();
+        // An example starts a survey, which fails while one of a test before is running.
+        while (run_command("vlk_rpc_wlan_config_client getApScanStatus 1").text == "1\n")
+            usleep(100000);
     }
 
     void TearDown() override {
