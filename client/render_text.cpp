@@ -33,10 +33,6 @@ const char *emphasis_end(emphasis shown) {
     return shown == emphasis::NONE ? "" : "\033[0m";
 }
 
-static bool is_scalar(const value *shown) {
-    return shown->kind != value_kind::LIST && shown->kind != value_kind::OBJECT;
-}
-
 static bool for_people(const value *shown) {
     return shown->readers != audience::PROGRAMS;
 }

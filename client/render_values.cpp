@@ -2,10 +2,6 @@
 
 #include "client/render.h"
 
-static bool is_scalar(const value *shown) {
-    return shown->kind != value_kind::LIST && shown->kind != value_kind::OBJECT;
-}
-
 static void print_bare(FILE *out, const value *shown) {
     switch (shown->kind) {
         case value_kind::NOTHING:

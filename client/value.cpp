@@ -124,6 +124,10 @@ const value *find_member(const value *object, const char *name) {
     return nullptr;
 }
 
+bool is_scalar(const value *shown) {
+    return shown->kind != value_kind::LIST && shown->kind != value_kind::OBJECT;
+}
+
 size_t count_values(const value *parent) {
     size_t count = 0;
     for (const value *child = parent->first; child; child = child->next)

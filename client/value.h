@@ -55,6 +55,9 @@ value *add_value(value *to, const char *name, value *tree);
 // The member with this name, nullptr when there is none or when `object` is none.
 const value *find_member(const value *object, const char *name);
 
+// Neither a list nor an object.
+bool is_scalar(const value *shown);
+
 // How many members or elements.
 size_t count_values(const value *parent);
 
