@@ -300,7 +300,8 @@ TEST_F(AllSettings, ExportedFromAChangedGatewayAndAppliedToFactorySettingsAreThe
     // The WPS files are missing until Wi-Fi is brought up, and are then made with the PIN that is set by then.
     command_output first = client(std::string("apply --keep-going -o json ") + DOCUMENT);
     EXPECT_EQ(first.status, 1) << first.errors;
-    for (const json &failed : parsed(first.text)["result"]["failed"])
+    json failures = parsed(first.text)["result"]["failed"];
+    for (const json &failed : failures)
         EXPECT_TRUE(failed["setting"] == "wps_uuid" || failed["setting"] == "wps_model_name") << failed;
     bring_wifi_up();
     command_output second = client(std::string("apply ") + DOCUMENT);
