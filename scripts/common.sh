@@ -1,7 +1,7 @@
 # What ./gateway and ./test share: the packages they need and the build. Sourced, with the project's folder as the
 # working directory.
 
-build_packages="g++ cmake ninja-build pkg-config libtirpc-dev"
+build_packages="g++ cmake ninja-build pkg-config libtirpc-dev libsmartcols-dev libedit-dev nlohmann-json3-dev"
 gateway_packages="libwrap0 procps psmisc"
 
 # need PACKAGE...: installs what is missing; without the right to, says what to type.
