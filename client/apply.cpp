@@ -6,6 +6,7 @@
 #include "client/export.h"
 #include "client/help.h"
 #include "client/names.h"
+#include "client/options.h"
 #include "client/pending.h"
 #include "client/render.h"
 #include "client/settings_commands.h"
@@ -399,24 +400,11 @@ static client_exit_status apply_changes(client_session *session, comparison *com
     return status;
 }
 
-static bool parse_seconds(const char *word, int *seconds) {
-    argument_value parsed;
-    *seconds = 0;
-    if (!word)
-        return true;
-    if (!parse_argument(argument_kind::UINT, const_cast<char *>(word), &parsed) || parsed.number < 1 ||
-        parsed.number > CONFIRM_SECONDS_MAX)
-        return false;
-    *seconds = static_cast<int>(parsed.number);
-    return true;
-}
-
 client_exit_status run_apply(client_session *session, const command_line *line) {
     int seconds;
     bool dry = option_value(line, "dry-run");
-    if (!parse_seconds(option_value(line, "confirm-within"), &seconds))
-        return complain(session, EXIT_STATUS_USAGE, "--confirm-within has to be a number of seconds from 1 to %d",
-                        static_cast<int>(CONFIRM_SECONDS_MAX));
+    if (!seconds_option(line, "confirm-within", 0, &seconds, session->problem))
+        return complain_of_call(session, EXIT_STATUS_USAGE);
     comparison compared = {};
     client_exit_status status = dry ? EXIT_STATUS_SUCCESS : check_nothing_pending(session);
     if (status == EXIT_STATUS_SUCCESS)

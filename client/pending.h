@@ -9,9 +9,6 @@
 
 #include "client/session.h"
 
-// Nobody waits longer to see whether a network still works.
-constexpr int64_t CONFIRM_SECONDS_MAX = 3600;
-
 struct pending_changes {
     int pipe;  // to the process; -1 without one
 };
