@@ -8,7 +8,7 @@ find_rpcbind
 build=$1
 client=$build/client/vlk_rpc_wlan_config_client
 cmake --build "$build" --target record_touches
-sh tests/checks/touches.sh "$build/tests/record_touches" "$build/simulator/vlk_simulated_gateway" \
+sh tests/checks/touches.sh "$build/tests/system/record_touches" "$build/simulator/vlk_simulated_gateway" \
     --rpcbind "$rpcbind" >"$build/touches.def"
 # One that is as it was is left alone, so that nothing is compiled again for it.
 cmp -s "$build/touches.def" client/touches.def || cp "$build/touches.def" client/touches.def

@@ -73,7 +73,7 @@ tour=$(find "$prefix" -name tour.sh)
 "$prefix/bin/vlk_simulated_gateway" --rpcbind "$RPCBIND" --server "$prefix/restricted_server.sh" \
     run sh "$prefix/in_force.sh" "$tour" >"$folder/tour" 2>&1 &
 touring=$!
-"$@" --server "$prefix/restricted_server.sh" run "$build/tests/system_tests" --gtest_filter='Table/Procedures.*' \
+"$@" --server "$prefix/restricted_server.sh" run "$build/tests/system/system_tests" --gtest_filter='Table/Procedures.*' \
     >"$folder/procedures" 2>&1 || fail "$(cat "$folder/procedures")"
 wait "$touring" || fail "$(cat "$folder/tour")"
 tail -n 1 "$folder/tour"
