@@ -7,7 +7,6 @@
 #include "client/documents.h"
 #include "client/lifecycle.h"
 #include "client/list.h"
-#include "client/manual.h"
 #include "client/metrics.h"
 #include "client/radio.h"
 #include "client/scan.h"
@@ -30,8 +29,8 @@ const size_t global_option_count = sizeof global_options / sizeof *global_option
 
 const command_group_row command_groups[] = {
     {command_group::OPERATIONS, "Finding an operation"}, {command_group::GATEWAY, "The gateway at a glance"},
-    {command_group::SETTINGS, "All settings at once"},   {command_group::SCRIPTS, "Many commands"},
-    {command_group::DEVELOPERS, "For other programs"},
+    {command_group::LIFECYCLE, "Wi-Fi down and up"},     {command_group::SETTINGS, "All settings at once"},
+    {command_group::SCRIPTS, "Many commands"},           {command_group::DEVELOPERS, "For other programs"},
 };
 const size_t command_group_count = sizeof command_groups / sizeof *command_groups;
 
@@ -151,7 +150,7 @@ const command_row command_rows[] = {
      "An answer has room for 64 networks. With --cached nobody can tell how old the list is.\n"
      "Ends with 4 when the survey is not complete in time."},
     {"load",
-     command_group::GATEWAY,
+     command_group::LIFECYCLE,
      "[RADIO]",
      {word_kind::NUMBER},
      0,
@@ -162,7 +161,7 @@ const command_row command_rows[] = {
      "Carries out the operation wlan_load; RADIO has no effect.\n"
      "With --wait: until a radio answers. The VAPs stay down until init."},
     {"init",
-     command_group::GATEWAY,
+     command_group::LIFECYCLE,
      "",
      {word_kind::NONE},
      0,
@@ -173,7 +172,7 @@ const command_row command_rows[] = {
      "Carries out the operation wlan_init, which loads the driver first when that is missing.\n"
      "With --wait: until every VAP that is switched on, on a radio that is, is up."},
     {"reset",
-     command_group::GATEWAY,
+     command_group::LIFECYCLE,
      "",
      {word_kind::NONE},
      0,
@@ -184,7 +183,7 @@ const command_row command_rows[] = {
      "Carries out the operation wlan_reset.\n"
      "With --wait: until no VAP is up and no radio answers."},
     {"reconnect",
-     command_group::GATEWAY,
+     command_group::LIFECYCLE,
      "",
      {word_kind::NONE},
      0,

@@ -45,7 +45,7 @@ struct command_line {
     char **words;
 };
 
-enum class command_group { OPERATIONS, GATEWAY, SETTINGS, SCRIPTS, DEVELOPERS, HIDDEN };
+enum class command_group { OPERATIONS, GATEWAY, LIFECYCLE, SETTINGS, SCRIPTS, DEVELOPERS, HIDDEN };
 
 using command_function = client_exit_status (*)(client_session *session, const command_line *line);
 

@@ -9,6 +9,7 @@
 #include "client/help.h"
 #include "client/list.h"
 #include "client/names.h"
+#include "client/operation_text.h"
 #include "client/options.h"
 #include "client/results.h"
 #include "client/suggest.h"
@@ -20,10 +21,11 @@ static client_exit_status complain_of_usage(client_session *session, const char 
     return status;
 }
 
-// The options before the wrong one hold for what is said about it.
-static client_exit_status complain_of_option(client_session *session, const parsed_options *options,
-                                             const char *problem) {
+// The options before the wrong one hold for what is said about it, and the format that is asked for anywhere.
+static client_exit_status complain_of_option(client_session *session, const parsed_options *options, int count,
+                                             char *const *words, const char *problem) {
     session->settings = options->settings;
+    adopt_format(&session->settings, count, words);
     return complain_of_usage(session, problem, &options->meant);
 }
 
@@ -53,7 +55,15 @@ static client_exit_status answer_success(client_session *session, const procedur
     return show(session, payload);
 }
 
+// Known before anything is sent, and not only when a list turns out to have more than one element.
+static bool is_choice_missing(const client_session *session, const procedure_row *row) {
+    return session->settings.format == output_format::VALUE && !session->settings.field && has_several_values(row);
+}
+
 static client_exit_status call_operation(client_session *session, const procedure_row *row, call_arguments *arguments) {
+    if (is_choice_missing(session, row))
+        return complain(session, EXIT_STATUS_USAGE,
+                        "the result has several values: choose one by its name with --field");
     wlan_config_result_data_t result;
     client_exit_status status = ask(session, row, arguments, &result);
     bool answered = status == EXIT_STATUS_SUCCESS || status == EXIT_STATUS_FAILURE;
@@ -80,25 +90,38 @@ static void begin(client_session *session, const parsed_options *options, server
     session->connection = own;
 }
 
+// --help gives what the command help gives: nothing is carried out that could have a code.
+static void speak_as_help(client_session *session) {
+    session->speaker = "help";
+    session->is_operation = false;
+}
+
 static bool is_help_option(const char *word) {
     return strcmp(word, "--help") == 0 || strcmp(word, "-h") == 0;
 }
 
-// As many words as the operation has arguments are arguments, whatever they look like. Options may stand behind them.
+// --help in the place of an argument that can be no such word.
+static bool asks_for_help(const procedure_row *row, int count, char **words) {
+    bool takes_text = row->argument_count > 0 && row->arguments[0].kind == argument_kind::TEXT;
+    return count > 1 && !takes_text && is_help_option(words[1]);
+}
+
+// As many words as the operation has arguments are arguments, whatever they look like. Options may stand behind them,
+// and behind --help. What is left of `count` is the name, the arguments, and the words too many that are no options.
 static bool parse_trailing_options(const procedure_row *row, int *count, char **words, parsed_options *options,
                                    char problem[PROBLEM_SIZE]) {
-    int taken = static_cast<int>(row->argument_count) + 1;
+    int taken = asks_for_help(row, *count, words) ? 1 : static_cast<int>(row->argument_count) + 1;
     if (*count <= taken || *words[taken] != '-')
         return true;
     int used = 1;
     int rest = *count - taken + 1;
     if (!parse_leading_options(rest, words + taken - 1, options, &used, problem))
         return false;
-    *count = used == rest ? taken : *count;
+    *count = taken + rest - used;
     return true;
 }
 
-// What the first word may have meant that is none of the words for true and false.
+// What the first word that is no argument may have meant, where it should be one of the words for true and false.
 static void consider_booleans(suggestions *meant, const procedure_row *row, int count, char **words) {
     argument_value parsed;
     int place = 0;
@@ -118,21 +141,31 @@ static client_exit_status run_operation(client_session *session, const procedure
     operation_name(row, name);
     session->speaker = name;
     session->is_operation = true;
-    bool takes_text = row->argument_count > 0 && row->arguments[0].kind == argument_kind::TEXT;
-    parsed_options options = {session->settings, nullptr, count == 2 && !takes_text && is_help_option(words[1])};
-    if (!options.help && !parse_trailing_options(row, &count, words, &options, problem))
-        return complain_of_option(session, &options, problem);
+    parsed_options options = {session->settings, nullptr, false};
+    int all = count;
+    if (!parse_trailing_options(row, &count, words, &options, problem))
+        return complain_of_option(session, &options, count, words, problem);
     begin(session, &options, own);
-    if (options.help)
+    if (options.help) {
+        speak_as_help(session);
         return describe_operation(session, row);
+    }
     call_arguments arguments;
     if (parse_arguments(row, static_cast<size_t>(count - 1), words + 1, &arguments, problem))
         return call_operation(session, row, &arguments);
     suggestions meant;
     consider_booleans(&meant, row, count - 1, words + 1);
+    if (static_cast<size_t>(count - 1) != row->argument_count)
+        adopt_format(&session->settings, all, words);
     complain_with_suggestions(session, EXIT_STATUS_USAGE, problem, &meant);
     if (session->settings.format != output_format::JSON)
         print_usage(session->errors, row);
+    return EXIT_STATUS_USAGE;
+}
+
+static client_exit_status complain_of_words(client_session *session, const command_row *row) {
+    complain(session, EXIT_STATUS_USAGE, "takes %s behind it", *row->synopsis ? row->synopsis : "nothing");
+    remark(session, "Try: %s help %s\n", PROGRAM_NAME, row->name);
     return EXIT_STATUS_USAGE;
 }
 
@@ -144,17 +177,19 @@ static client_exit_status run_command(client_session *session, const command_row
     session->speaker = row->name;
     session->is_operation = false;
     if (!parse_command_options(row, count, words, &options, &line, problem))
-        return complain_of_option(session, &options, problem);
+        return complain_of_option(session, &options, count, words, problem);
     begin(session, &options, own);
     if (options.help) {
-        print_command_help(session->out, row);
-        return EXIT_STATUS_SUCCESS;
+        speak_as_help(session);
+        return help_command(session, row);
     }
-    if (line.word_count >= row->words_least && line.word_count <= row->words_most)
-        return row->run(session, &line);
-    complain(session, EXIT_STATUS_USAGE, "takes %s behind it", *row->synopsis ? row->synopsis : "nothing");
-    remark(session, "Try: %s help %s\n", PROGRAM_NAME, row->name);
-    return EXIT_STATUS_USAGE;
+    bool fits = line.word_count >= row->words_least && line.word_count <= row->words_most;
+    return fits ? row->run(session, &line) : complain_of_words(session, row);
+}
+
+static client_exit_status complain_of_first_word(client_session *session, int count, char **words) {
+    adopt_format(&session->settings, count, words);
+    return complain_of_word(session, EXIT_STATUS_USAGE, words[0]);
 }
 
 // Commands are matched exactly, operations in any spelling. load, init and reset are commands that carry out the
@@ -170,7 +205,7 @@ client_exit_status run_words(client_session *session, int count, char **words) {
     else if (row)
         status = run_operation(&one, row, count, words, &own);
     else
-        status = complain_of_word(&one, EXIT_STATUS_USAGE, words[0]);
+        status = complain_of_first_word(&one, count, words);
     close_connection(&own);
     return status;
 }
@@ -180,11 +215,11 @@ static client_exit_status run_command_line(client_session *session, int argc, ch
     char problem[PROBLEM_SIZE];
     int used;
     if (!parse_leading_options(argc, argv, &options, &used, problem))
-        return complain_of_option(session, &options, problem);
+        return complain_of_option(session, &options, argc, argv, problem);
     begin(session, &options, own);
     if (options.help) {
-        print_program_help(session->out);
-        return EXIT_STATUS_SUCCESS;
+        speak_as_help(session);
+        return help_program(session);
     }
     if (used >= argc)
         return complain_of_usage(session, "an operation or a command is missing", &options.meant);

@@ -1,7 +1,7 @@
 #include "client/dissector.h"
 
-#include "client/help.h"
 #include "client/names.h"
+#include "client/operation_text.h"
 #include "client/operations.h"
 #include "client/record_fields.h"
 #include "server/wire.h"
@@ -114,7 +114,7 @@ static void print_dissected_procedure(FILE *out, const procedure_row *row) {
     char name[OPERATION_NAME_SIZE];
     operation_name(row, name);
     fputs("    [", out);
-    print_number(out, row->number);
+    print_procedure_number(out, row->number);
     fprintf(out, "] = { procedure = \"%s\", operation = \"%s\", summary = ", row->name, name);
     print_lua_string(out, row->summary);
     fputs(",\n        arguments = {", out);

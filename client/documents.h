@@ -8,3 +8,4 @@ client_exit_status run_reference(client_session *session, const command_line *li
 client_exit_status run_interface(client_session *session, const command_line *line);
 client_exit_status run_dissector(client_session *session, const command_line *line);
 client_exit_status run_records(client_session *session, const command_line *line);
+client_exit_status run_manual(client_session *session, const command_line *line);

@@ -3,7 +3,7 @@
 const exit_status_row exit_status_rows[] = {
     {EXIT_STATUS_SUCCESS, "success", "done; the result is on standard output"},
     {EXIT_STATUS_FAILURE, "failure", "the server answered that it failed"},
-    {EXIT_STATUS_USAGE, "usage", "the command line is wrong; nothing was sent"},
+    {EXIT_STATUS_USAGE, "usage", "the command line is wrong; nothing was changed"},
     {EXIT_STATUS_NO_ANSWER, "no-answer", "the server cannot be reached; nothing was carried out"},
     {EXIT_STATUS_TIMED_OUT, "timed-out", "no answer in time; the server may still carry the call out"},
     {EXIT_STATUS_REFUSED, "refused", "the call was refused by the RPC layer, or its answer is damaged"},

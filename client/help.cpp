@@ -1,20 +1,8 @@
 #include "client/help.h"
 
-#include <string.h>
-
-#include "client/arguments.h"
 #include "client/call.h"
 #include "client/command_table.h"
-#include "client/describe.h"
-#include "client/names.h"
-#include "client/record_fields.h"
-#include "client/touches.h"
-
-// Where the summaries of a list begin; three operations in four are shorter.
-constexpr int SUMMARY_COLUMN = 46;
-
-// The second block of numbers begins here and has always been written in hexadecimal.
-constexpr uint32_t SECOND_BLOCK = 0x1000000;
+#include "client/options.h"
 
 // Where the summaries of commands and options begin.
 constexpr int COMMAND_COLUMN = 28;
@@ -53,15 +41,29 @@ static void print_exit_statuses(FILE *out) {
         fprintf(out, "  %d  %s\n", exit_status_rows[i].status, exit_status_rows[i].meaning);
 }
 
-void print_program_help(FILE *out) {
+// How the program is called: a command line a line.
+static const char *const usage_lines[] = {
+    "[OPTION...] OPERATION [ARGUMENT...] [OPTION...]",
+    "[OPTION...] COMMAND [WORD...]",
+};
+
+static void print_introduction(FILE *out) {
     fprintf(out,
-            "usage: %s [OPTION...] OPERATION [ARGUMENT...] [OPTION...]\n"
-            "       %s [OPTION...] COMMAND [WORD...]\n"
-            "\n"
             "Calls one operation of the Wi-Fi configuration server at %s and prints its result.\n"
             "getSsid, get_ssid and wlan_get_ssid name the same operation, in any capitalisation.\n"
-            "As many words as the operation has arguments are its arguments, also those with a minus sign.\n",
-            PROGRAM_NAME, PROGRAM_NAME, SERVICE_ADDRESS);
+            "As many words as the operation has arguments are its arguments, also those with a minus sign.",
+            SERVICE_ADDRESS);
+}
+
+void print_program_help(FILE *out) {
+    const char *before = "usage:";
+    for (const char *line : usage_lines) {
+        fprintf(out, "%-6s %s %s\n", before, PROGRAM_NAME, line);
+        before = "";
+    }
+    putc('\n', out);
+    print_introduction(out);
+    putc('\n', out);
     for (size_t i = 0; i < command_group_count; i++)
         print_commands(out, &command_groups[i]);
     fputs("\nOptions\n", out);
@@ -69,9 +71,14 @@ void print_program_help(FILE *out) {
     print_exit_statuses(out);
 }
 
+static void print_command_usage(FILE *out, const command_row *row) {
+    fprintf(out, "%s [OPTION...] %s%s%s", PROGRAM_NAME, row->name, *row->synopsis ? " " : "", row->synopsis);
+}
+
 void print_command_help(FILE *out, const command_row *row) {
-    fprintf(out, "%s: %s\n\nusage: %s [OPTION...] %s%s%s\n", row->name, row->summary, PROGRAM_NAME, row->name,
-            *row->synopsis ? " " : "", row->synopsis);
+    fprintf(out, "%s: %s\n\nusage: ", row->name, row->summary);
+    print_command_usage(out, row);
+    putc('\n', out);
     if (*row->description)
         fprintf(out, "\n%s\n", row->description);
     fputs("\nOptions\n", out);
@@ -79,149 +86,145 @@ void print_command_help(FILE *out, const command_row *row) {
     print_options(out, global_options, global_option_count);
 }
 
-int print_synopsis(FILE *out, const procedure_row *row) {
-    char name[OPERATION_NAME_SIZE];
-    operation_name(row, name);
-    int width = fprintf(out, "%s", name);
-    for (size_t i = 0; i < row->argument_count; i++)
-        width += fprintf(out, " <%s>", row->arguments[i].name);
-    return width;
-}
+// --- for programs ---
 
-void print_usage(FILE *out, const procedure_row *row) {
-    fprintf(out, "usage: %s ", PROGRAM_NAME);
-    print_synopsis(out, row);
-    putc('\n', out);
-}
-
-static const char *output_text(output_kind kind) {
+static const char *kind_word(word_kind kind) {
     switch (kind) {
-        case output_kind::INT:
-            return "integer";
-        case output_kind::UINT:
-            return "unsigned integer";
-        case output_kind::BOOL:
-            return "0 or 1";
+        case word_kind::NONE:
+            return "nothing";
+        case word_kind::NUMBER:
+            return "number";
+        case word_kind::TEXT:
+            return "text";
+        case word_kind::FILE_NAME:
+            return "file";
+        case word_kind::VAP:
+            return "vap";
+        case word_kind::OPERATION:
+            return "operation";
+        case word_kind::SUBJECT:
+            return "subject";
+        case word_kind::ANY_COMMAND:
+            return "command-or-operation";
+        case word_kind::COMMAND_LINE:
+            return "command-line";
+        case word_kind::FORMAT:
+            return "format";
+        case word_kind::WHEN:
+            return "when";
+        case word_kind::FIELD:
+            return "field";
+        case word_kind::RAW_WORDS:
+            return "any-words";
     }
     return "";
 }
 
-static void print_word_field(FILE *out, const record_field *field, bool first) {
-    fprintf(out, "%s%s", first ? " " : ", ", field->name);
-    if (field->elements > 1)
-        fprintf(out, " (%zu)", field->elements);
-}
-
-// stats (unsigned integers word_0, rx_errors, tx_unicast, words_3_to_5 (3), ...)
-static void print_words_shape(FILE *out, const result_row *result) {
-    const record_row *record = find_record(result->type);
-    fprintf(out, "%s (unsigned integers", result->name);
-    for (size_t i = 0; i < record->field_count; i++)
-        print_word_field(out, &record->fields[i], i == 0);
-    putc(')', out);
-}
-
-void print_result_shape(FILE *out, const result_row *result) {
-    switch (result->kind) {
-        case result_kind::CODE:
-        case result_kind::ACTION:
-            fputs("success or failure", out);
-            break;
-        case result_kind::INTEGERS:
-            for (size_t i = 0; i < result->output_count; i++)
-                fprintf(out, "%s%s (%s)", i ? ", " : "", result->outputs[i].name, output_text(result->outputs[i].kind));
-            break;
-        case result_kind::INTEGERS64:
-            fprintf(out, "%s (%zu 64-bit integer%s)", result->name, result->size, result->size == 1 ? "" : "s");
-            break;
-        case result_kind::WORDS:
-            print_words_shape(out, result);
-            break;
-        case result_kind::STRING:
-        case result_kind::LONG_STRING:
-            fprintf(out, "%s (text)", result->name);
-            break;
-        case result_kind::IMAGE:
-            fprintf(out, "%s (%s, %zu bytes)", result->name, result->type, result->size);
-            break;
-        case result_kind::COUNTED_IMAGE:
-            fprintf(out, "count (integer), %s (%s, %zu bytes)", result->name, result->type, result->size);
-            break;
-    }
-}
-
-void print_number(FILE *out, uint32_t number) {
-    fprintf(out, number < SECOND_BLOCK ? "%u" : "0x%X", number);
-}
-
-const char *handler_file(const procedure_row *row) {
-    switch (row->kind) {
-        case procedure_kind::PROCEDURE:
-            return "handlers/regular.cpp";
-        case procedure_kind::BY_HAND:
-            return "handlers/by_hand.cpp";
-    }
-    return "";
-}
-
-bool has_back_end(const procedure_row *row) {
-    return strcmp(row->back_end, "none") != 0;
-}
-
-static void print_names(FILE *out, const procedure_row *row) {
-    fprintf(out, "\nsubject    %s\nprocedure  %s, number ", row->subject, row->name);
-    print_number(out, row->number);
-    fprintf(out, "\nhandler    %s_1_svc in %s\n", row->name, handler_file(row));
-    if (has_back_end(row))
-        fprintf(out, "back end   %s in %s.cpp\n", row->back_end, row->room);
+static void add_option(value *to, const option_row *option) {
+    const char letter[] = {option->letter, '\0'};
+    value *added = add_object(to, nullptr);
+    add_string(added, "name", option->name);
+    if (option->letter)
+        add_string(added, "letter", letter);
     else
-        fputs("back end   none\n", out);
+        add_nothing(added, "letter");
+    if (option->value_name)
+        add_string(added, "value", option->value_name);
+    else
+        add_nothing(added, "value");
+    add_string(added, "kind", kind_word(option->value));
+    value *choices = add_list(added, "choices");
+    word_choices words = choices_of(option->value);
+    for (size_t i = 0; i < words.count; i++)
+        add_string(choices, nullptr, words.rows[i].word);
+    add_string(added, "summary", option->summary);
 }
 
-void print_operation_help(FILE *out, const procedure_row *row, bool colour) {
-    char name[OPERATION_NAME_SIZE];
-    operation_name(row, name);
-    fprintf(out, "%s%s%s: %s\n\n", heading_begin(colour), name, heading_end(colour), row->summary);
-    print_usage(out, row);
-    print_argument_meanings(out, row);
-    print_result_meanings(out, row, colour);
-    fprintf(out, "\n%sexample%s\n", heading_begin(colour), heading_end(colour));
-    print_example_lines(out, row);
-    print_names(out, row);
-    print_touches(out, row);
+static void add_options(value *to, const char *name, const option_row *rows, size_t count) {
+    value *options = add_list(to, name);
+    for (size_t i = 0; i < count; i++)
+        add_option(options, &rows[i]);
 }
 
-static void print_list_line(FILE *out, const procedure_row *row) {
-    fputs("  ", out);
-    int width = print_synopsis(out, row);
-    fprintf(out, "%*s  %s\n", width < SUMMARY_COLUMN ? SUMMARY_COLUMN - width : 0, "", row->summary);
+static const char *group_title(command_group group) {
+    for (size_t i = 0; i < command_group_count; i++)
+        if (command_groups[i].group == group)
+            return command_groups[i].title;
+    return nullptr;
 }
 
-// The matching rows of a subject that begins with this row, under its heading. Rows of one subject do not stand
-// together in the table, which follows the numbers.
-static size_t print_subject(FILE *out, const procedure_row *first, const char *word, bool colour) {
-    size_t count = 0;
-    for (const procedure_row *row = first; row < procedure_rows + procedure_row_count; row++) {
-        if (strcmp(row->subject, first->subject) != 0 || !operation_matches(row, word))
-            continue;
-        if (count++ == 0)
-            fprintf(out, "%s%s%s\n", heading_begin(colour), row->subject, heading_end(colour));
-        print_list_line(out, row);
+// What stands in front of everything else about a command.
+static void add_command_head(value *to, const command_row *row) {
+    const char *title = group_title(row->group);
+    add_string(to, "command", row->name);
+    if (title)
+        add_string(to, "group", title);
+    else
+        add_nothing(to, "group");  // of a hidden one
+    add_string(to, "synopsis", row->synopsis);
+    add_string(to, "summary", row->summary);
+}
+
+// How many words a command takes, and of which kinds; the last kind holds for all words behind.
+static void add_words(value *to, const command_row *row) {
+    value *words = add_object(to, "words");
+    add_unsigned(words, "least", row->words_least);
+    if (row->words_most == ANY_NUMBER_OF_WORDS)
+        add_nothing(words, "most");
+    else
+        add_unsigned(words, "most", row->words_most);
+    value *kinds = add_list(words, "kinds");
+    for (word_kind kind : row->words)
+        if (kind != word_kind::NONE)
+            add_string(kinds, nullptr, kind_word(kind));
+}
+
+value *command_help(const command_row *row) {
+    value *made = new_object();
+    printed_text usage;
+    add_command_head(made, row);
+    add_string(made, "description", row->description);
+    begin_text(&usage);
+    print_command_usage(usage.out, row);
+    add_printed(made, "usage", &usage);
+    add_words(made, row);
+    add_options(made, "options", row->options, row->option_count);
+    add_options(made, "global_options", global_options, global_option_count);
+    return made;
+}
+
+static void add_commands(value *to) {
+    value *commands = add_list(to, "commands");
+    for (size_t i = 0; i < command_row_count; i++)
+        if (command_rows[i].group != command_group::HIDDEN)
+            add_command_head(add_object(commands, nullptr), &command_rows[i]);
+}
+
+static void add_exit_statuses(value *to) {
+    value *statuses = add_list(to, "exit_statuses");
+    for (size_t i = 0; i < exit_status_row_count; i++) {
+        value *added = add_object(statuses, nullptr);
+        add_number(added, "status", exit_status_rows[i].status);
+        add_string(added, "kind", exit_status_rows[i].word);
+        add_string(added, "meaning", exit_status_rows[i].meaning);
     }
-    return count;
 }
 
-static bool begins_its_subject(const procedure_row *row) {
-    for (const procedure_row *earlier = procedure_rows; earlier < row; earlier++)
-        if (strcmp(earlier->subject, row->subject) == 0)
-            return false;
-    return true;
-}
-
-size_t print_list(FILE *out, const char *word, bool colour) {
-    size_t count = 0;
-    for (const procedure_row *row = procedure_rows; row < procedure_rows + procedure_row_count; row++)
-        if (begins_its_subject(row))
-            count += print_subject(out, row, word, colour);
-    return count;
+value *program_help(void) {
+    value *made = new_object();
+    printed_text description;
+    value *usage = add_list(made, "usage");
+    for (const char *words : usage_lines) {
+        printed_text line;
+        begin_text(&line);
+        fprintf(line.out, "%s %s", PROGRAM_NAME, words);
+        add_printed(usage, nullptr, &line);
+    }
+    begin_text(&description);
+    print_introduction(description.out);
+    add_printed(made, "description", &description);
+    add_commands(made);
+    add_options(made, "global_options", global_options, global_option_count);
+    add_exit_statuses(made);
+    return made;
 }

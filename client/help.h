@@ -1,11 +1,12 @@
-// What the client tells about itself and its operations. Everything about an operation comes from its row.
+// How the program and its commands are used, for people and for programs. Everything comes from the tables of commands,
+// options and exit statuses.
 //
 // Writes to the given stream only.
 #pragma once
 
 #include <stdio.h>
 
-#include "client/operations.h"
+#include "client/value.h"
 
 struct command_row;
 
@@ -18,26 +19,6 @@ void print_program_help(FILE *out);
 // What a command does, takes and can be told by options.
 void print_command_help(FILE *out, const command_row *row);
 
-// setSsid <index> <ssid>. Returns the number of characters.
-int print_synopsis(FILE *out, const procedure_row *row);
-
-// usage: vlk_rpc_wlan_config_client setSsid <index> <ssid>
-void print_usage(FILE *out, const procedure_row *row);
-
-// What a result carries, in words: "port (integer), index (integer)".
-void print_result_shape(FILE *out, const result_row *result);
-
-// 21, or 0x100000C in the second block of numbers.
-void print_number(FILE *out, uint32_t number);
-
-// The source file with the row's handler.
-const char *handler_file(const procedure_row *row);
-
-// Whether the row has a back end; a handler may answer alone.
-bool has_back_end(const procedure_row *row);
-
-// All that the tables know about one operation.
-void print_operation_help(FILE *out, const procedure_row *row, bool colour);
-
-// One line for each operation that the word matches, all of them for "", under their subjects. Returns how many.
-size_t print_list(FILE *out, const char *word, bool colour);
+// The same as objects, which the caller owns.
+value *program_help(void);
+value *command_help(const command_row *row);

@@ -1,7 +1,9 @@
 // The command-line client of the Wi-Fi configuration server. Besides people and scripts the server itself runs it, when
 // a lifecycle worker wants the queue of waiting requests looked at.
+#include <fcntl.h>
 #include <locale.h>
 #include <string.h>
+#include <unistd.h>
 
 #include "client/commands.h"
 
@@ -12,7 +14,17 @@ static void choose_character_set(void) {
         setlocale(LC_CTYPE, "C.UTF-8");
 }
 
+// Whoever starts the client with its standard streams closed must not find its socket or its files in their places,
+// where output would go. Standard output that was closed cannot be written to.
+static void occupy_standard_streams(void) {
+    static const int modes[] = {O_RDONLY, O_RDONLY, O_WRONLY};
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; stream++)
+        if (fcntl(stream, F_GETFD) < 0 && open("/dev/null", modes[stream]) < 0)  // the lowest free number
+            return;
+}
+
 int main(int argc, char **argv) {
+    occupy_standard_streams();
     choose_character_set();
     return run_client(argc, argv, &GATEWAY_ENDPOINT, stdout, stderr);
 }

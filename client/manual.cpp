@@ -3,6 +3,7 @@
 #include <ctype.h>
 #include <string.h>
 
+#include "client/command_table.h"
 #include "client/help.h"
 
 // The day on which the page was last read from beginning to end.
@@ -266,7 +267,8 @@ static const char OUTPUT_REST[] =
     ".It Cm value\n"
     "The only value bare, or those that\n"
     ".Fl -field\n"
-    "names, a line each.\n"
+    "names, a line each; vaps.channel names what is called channel below what is\n"
+    "called vaps.\n"
     ".It Cm dump\n"
     "Of an operation: every byte of its result.\n"
     ".El\n";
@@ -325,9 +327,4 @@ void print_manual(FILE *out) {
     fputs(ENVIRONMENT, out);
     print_exit_statuses(out);
     fputs(EXAMPLES, out);
-}
-
-client_exit_status run_manual(client_session *session, const command_line *) {
-    print_manual(session->out);
-    return EXIT_STATUS_SUCCESS;
 }

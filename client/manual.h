@@ -5,11 +5,6 @@
 
 #include <stdio.h>
 
-#include "client/command_table.h"
-
-// The command `manual`, which only the project itself uses.
-client_exit_status run_manual(client_session *session, const command_line *line);
-
 void print_manual(FILE *out);
 
 // A text of a table as mdoc: each sentence begins a line, an empty line a paragraph, and lines that begin with a blank

@@ -53,12 +53,11 @@ void consider_operations(suggestions *found, const char *word) {
     }
 }
 
-size_t suggest_operations(const char *word, const procedure_row *rows[SUGGESTIONS_MAX]) {
-    suggestions found;
-    consider_operations(&found, word);
-    for (size_t i = 0; i < found.count; i++)
-        rows[i] = find_operation(found.words[i]);
-    return found.count;
+bool begins_its_subject(const procedure_row *row) {
+    for (const procedure_row *earlier = procedure_rows; earlier < row; earlier++)
+        if (strcmp(earlier->subject, row->subject) == 0)
+            return false;
+    return true;
 }
 
 bool operation_matches(const procedure_row *row, const char *word) {

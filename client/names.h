@@ -19,11 +19,11 @@ void operation_name(const procedure_row *row, char name[OPERATION_NAME_SIZE]);
 // The row a word names, nullptr when there is none.
 const procedure_row *find_operation(const char *word);
 
-// The rows a mistyped word may have meant, the most likely first. Returns how many.
-size_t suggest_operations(const char *word, const procedure_row *rows[SUGGESTIONS_MAX]);
-
-// The same as names, beside what else the word may have meant.
+// Takes in the operations that a mistyped word may have meant, beside what else it may have.
 void consider_operations(suggestions *found, const char *word);
+
+// Whether no row before this one has its subject.
+bool begins_its_subject(const procedure_row *row);
 
 // Whether the word is part of a row's name, subject or summary, in whatever capitalisation.
 bool operation_matches(const procedure_row *row, const char *word);

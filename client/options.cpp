@@ -154,40 +154,87 @@ static bool is_exactly(const option_row *row, const char *name, size_t length) {
     return strlen(row->name) == length && begins_with(row, name, length);
 }
 
+// All options that may stand behind a command, or before any where `own` is null: the global ones come first.
+static size_t count_options(const command_row *own) {
+    return global_option_count + (own ? own->option_count : 0);
+}
+
+static const option_row *option_at(const command_row *own, size_t place) {
+    return place < global_option_count ? &global_options[place] : &own->options[place - global_option_count];
+}
+
+// How many options the word is the beginning of.
+static size_t count_begun(const command_row *own, const char *name, size_t length) {
+    size_t count = 0;
+    for (size_t i = 0; i < count_options(own); i++)
+        count += begins_with(option_at(own, i), name, length);
+    return count;
+}
+
 const option_row *find_option(const command_row *own, const char *name, size_t length) {
     const option_row *found = nullptr;
-    size_t count = 0;
-    size_t own_count = own ? own->option_count : 0;
-    for (size_t i = 0; i < global_option_count + own_count; i++) {
-        const option_row *row = i < global_option_count ? &global_options[i] : &own->options[i - global_option_count];
-        if (is_exactly(row, name, length))
-            return row;
-        if (!begins_with(row, name, length))
-            continue;
-        found = row;
-        count++;
+    for (size_t i = 0; i < count_options(own); i++) {
+        if (is_exactly(option_at(own, i), name, length))
+            return option_at(own, i);
+        if (begins_with(option_at(own, i), name, length))
+            found = option_at(own, i);
     }
-    return count == 1 ? found : nullptr;
+    return count_begun(own, name, length) == 1 ? found : nullptr;
+}
+
+const option_row *find_option_letter(const command_row *own, char letter) {
+    for (size_t i = 0; i < count_options(own); i++)
+        if (option_at(own, i)->letter == letter)
+            return option_at(own, i);
+    return nullptr;
 }
 
 // The options that a mistyped --tiemout=5 may have meant.
-static void consider_options(suggestions *meant, const char *word, const option_row *rows, size_t count) {
+static void consider_options(suggestions *meant, const command_row *own, const char *word) {
     char wanted[SUGGESTION_SIZE], option[SUGGESTION_SIZE];
     snprintf(wanted, sizeof wanted, "%.*s", static_cast<int>(strcspn(word, "=")), word);
-    for (size_t i = 0; i < count; i++) {
-        snprintf(option, sizeof option, "--%s", rows[i].name);
+    for (size_t i = 0; i < count_options(own); i++) {
+        snprintf(option, sizeof option, "--%s", option_at(own, i)->name);
         consider(meant, wanted, option);
     }
 }
 
-// `found` is what getopt_long made of the wrong option: '?' for none that there is, ':' for a missing value.
-static void describe_wrong_option(int found, char **words, char problem[PROBLEM_SIZE]) {
+// And those that a word is the beginning of.
+static void consider_begun(suggestions *meant, const command_row *own, const char *name, size_t length) {
+    char option[SUGGESTION_SIZE];
+    for (size_t i = 0; i < count_options(own); i++) {
+        snprintf(option, sizeof option, "--%s", option_at(own, i)->name);
+        if (begins_with(option_at(own, i), name, length))
+            add_suggestion(meant, 0, option);
+    }
+}
+
+// An option of the long form, with its hyphens, that getopt_long did not take.
+static void describe_wrong_name(const command_row *own, const char *word, suggestions *meant,
+                                char problem[PROBLEM_SIZE]) {
+    size_t length = strcspn(word, "=");
+    if (find_option(own, word + 2, length - 2)) {
+        snprintf(problem, PROBLEM_SIZE, "%.*s takes no value", static_cast<int>(length), word);
+    } else if (count_begun(own, word + 2, length - 2) > 1) {
+        snprintf(problem, PROBLEM_SIZE, "%s is the beginning of more than one option", word);
+        consider_begun(meant, own, word + 2, length - 2);
+    } else {
+        snprintf(problem, PROBLEM_SIZE, "%s is no option", word);
+        consider_options(meant, own, word);
+    }
+}
+
+// `found` is what getopt_long made of the wrong option: ':' for a missing value, '?' for everything else.
+static void describe_wrong_option(int found, const command_row *own, char **words, suggestions *meant,
+                                  char problem[PROBLEM_SIZE]) {
     bool is_short = optopt > 0 && optopt < FIRST_GLOBAL;
     const char *word = words[optind - 1];
     if (is_short)
         snprintf(problem, PROBLEM_SIZE, "-%c %s", optopt, found == ':' ? "needs a value" : "is no option");
+    else if (found == ':')
+        snprintf(problem, PROBLEM_SIZE, "%s needs a value", word);
     else
-        snprintf(problem, PROBLEM_SIZE, "%s %s", word, found == ':' ? "needs a value" : "is no option");
+        describe_wrong_name(own, word, meant, problem);
 }
 
 // A number below zero behind a command is one of its words, as it is behind an operation, and no option. While getopt
@@ -221,18 +268,33 @@ static bool parse_options(const command_row *row, const char *mode, int count, c
         if (own) {
             own_values[own - row->options] = own->value_name ? optarg : "";
         } else if (!global) {
-            describe_wrong_option(found, words, problem);
-            if (found == '?' && strncmp(words[optind - 1], "--", 2) == 0) {
-                consider_options(&options->meant, words[optind - 1], global_options, global_option_count);
-                consider_options(&options->meant, words[optind - 1], row ? row->options : nullptr,
-                                 row ? row->option_count : 0);
-            }
+            describe_wrong_option(found, row, words, &options->meant, problem);
             return false;
         } else if (!take_global_option(global, optarg, options, problem)) {
             return false;
         }
     }
     return true;
+}
+
+// The format that the word at a place asks for, "" when it asks for none.
+static const char *format_at(int count, char *const *words, int place) {
+    const char *word = words[place];
+    const char *next = place + 1 < count ? words[place + 1] : "";
+    if (strncmp(word, "-o", 2) == 0)
+        return word[2] ? word + 2 : next;
+    if (strncmp(word, "--", 2) != 0)
+        return "";
+    size_t length = strcspn(word, "=");
+    const option_row *option = find_option(nullptr, word + 2, length - 2);
+    if (!option || option->value != word_kind::FORMAT)
+        return "";
+    return word[length] ? word + length + 1 : next;
+}
+
+void adopt_format(client_settings *settings, int count, char *const *words) {
+    for (int i = 0; i < count && strcmp(words[i], "--") != 0; i++)
+        parse_format(format_at(count, words, i), &settings->format);
 }
 
 bool parse_leading_options(int count, char **words, parsed_options *options, int *used, char problem[PROBLEM_SIZE]) {

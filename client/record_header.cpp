@@ -2,7 +2,7 @@
 
 #include <string.h>
 
-#include "client/help.h"
+#include "client/operation_text.h"
 #include "client/operations.h"
 #include "client/record_fields.h"
 #include "server/wire.h"
@@ -117,7 +117,7 @@ static void print_procedures(FILE *out) {
     fputs("/* The numbers of the procedures. */\nenum wlan_config_procedure {\n", out);
     for (size_t i = 0; i < procedure_row_count; i++) {
         fprintf(out, "    PROC_%s = ", procedure_rows[i].name);
-        print_number(out, procedure_rows[i].number);
+        print_procedure_number(out, procedure_rows[i].number);
         fprintf(out, "%s /* %s */\n", i + 1 < procedure_row_count ? "," : "", procedure_rows[i].summary);
     }
     fputs("};\n\n", out);

@@ -24,6 +24,7 @@ struct text_options {
 void render_text(FILE *out, const value *object, const text_options *options);
 
 // The bare values that stand under the name `field` anywhere in the tree, a line each, numbers of a list one by one;
-// with nullptr the only value that there is. Returns how many were printed; with nullptr and several values none are,
+// "vaps.channel" stands for what is called channel anywhere below what is called vaps. With nullptr the only value that
+// there is. Returns how many were printed; with nullptr and several values none are,
 // and their number is returned.
 size_t render_values(FILE *out, const value *object, const char *field);

@@ -1,10 +1,13 @@
 #include <string.h>
 
 #include "client/render.h"
+#include "client/scalar.h"
 #include "client/utf8.h"
 
 constexpr int INDENTATION = 2;
 constexpr int ON_ONE_LINE = -1;
+
+static constexpr scalar_words JSON_WORDS = {"null", "false", "true"};
 
 static void print_json_escape(FILE *out, char c) {
     switch (c) {
@@ -97,16 +100,10 @@ static void print_children(FILE *out, const value *parent, const char *brackets,
 static void print_json(FILE *out, const value *shown, int level) {
     switch (shown->kind) {
         case value_kind::NOTHING:
-            fputs("null", out);
-            break;
         case value_kind::BOOLEAN:
-            fputs(shown->truth ? "true" : "false", out);
-            break;
         case value_kind::SIGNED:
-            fprintf(out, "%lld", static_cast<long long>(shown->number));
-            break;
         case value_kind::UNSIGNED:
-            fprintf(out, "%llu", static_cast<unsigned long long>(shown->natural));
+            print_scalar(out, shown, &JSON_WORDS);
             break;
         case value_kind::TEXT:
             print_json_text(out, shown->text, shown->length);

@@ -2,8 +2,9 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "client/exit_status.h"
+#include "client/colour.h"
 #include "client/render.h"
+#include "client/scalar.h"
 #include "client/table.h"
 #include "client/utf8.h"
 
@@ -12,26 +13,6 @@ constexpr int NAME_COLUMN_MAX = 24;
 
 // The fewest blanks between two columns.
 constexpr int GAP = 2;
-
-const char *emphasis_begin(emphasis shown) {
-    switch (shown) {
-        case emphasis::NONE:
-            return "";
-        case emphasis::GOOD:
-            return "\033[32m";
-        case emphasis::WARNING:
-            return "\033[33m";
-        case emphasis::BAD:
-            return "\033[31m";
-        case emphasis::FAINT:
-            return "\033[2m";
-    }
-    return "";
-}
-
-const char *emphasis_end(emphasis shown) {
-    return shown == emphasis::NONE ? "" : "\033[0m";
-}
 
 static bool for_people(const value *shown) {
     return shown->readers != audience::PROGRAMS;
@@ -64,27 +45,13 @@ static void print_text(FILE *out, const value *text, bool terminal, line_breaks 
     }
 }
 
-static void print_scalar(FILE *out, const value *shown, bool terminal, line_breaks breaks) {
-    switch (shown->kind) {
-        case value_kind::NOTHING:
-            putc('-', out);
-            break;
-        case value_kind::BOOLEAN:
-            fputs(shown->truth ? "yes" : "no", out);
-            break;
-        case value_kind::SIGNED:
-            fprintf(out, "%lld", static_cast<long long>(shown->number));
-            break;
-        case value_kind::UNSIGNED:
-            fprintf(out, "%llu", static_cast<unsigned long long>(shown->natural));
-            break;
-        case value_kind::TEXT:
-            print_text(out, shown, terminal, breaks);
-            break;
-        case value_kind::LIST:
-        case value_kind::OBJECT:
-            break;
-    }
+static constexpr scalar_words PEOPLES_WORDS = {"-", "no", "yes"};
+
+static void print_one(FILE *out, const value *shown, bool terminal, line_breaks breaks) {
+    if (shown->kind == value_kind::TEXT)
+        print_text(out, shown, terminal, breaks);
+    else
+        print_scalar(out, shown, &PEOPLES_WORDS);
 }
 
 // The text of one cell, which the caller frees: a scalar, or all scalars of a list with blanks between.
@@ -95,9 +62,9 @@ static char *cell_text(const value *shown, bool terminal) {
     if (!memory)
         return nullptr;
     if (is_scalar(shown))
-        print_scalar(memory, shown, terminal, line_breaks::ESCAPED);
+        print_one(memory, shown, terminal, line_breaks::ESCAPED);
     for (const value *element = shown->first; element; element = element->next) {
-        print_scalar(memory, element, terminal, line_breaks::ESCAPED);
+        print_one(memory, element, terminal, line_breaks::ESCAPED);
         fputs(element->next ? " " : "", memory);
     }
     if (fclose(memory) == 0)
@@ -132,20 +99,28 @@ static const char *keep(drawn_table *drawn, char *text) {
     return text;
 }
 
-// The columns are the members of the first row. A row that has others fills no cells but its own.
-static void fill_table(drawn_table *drawn, const value *list, size_t columns, bool terminal) {
+static const value *find_for_people(const value *row, const char *name) {
+    for (const value *member = row->first; member; member = member->next)
+        if (for_people(member) && strcmp(member->name, name) == 0)
+            return member;
+    return nullptr;
+}
+
+// The columns are the members of the first row. What other rows have besides is not shown.
+static void fill_table(drawn_table *drawn, const value *list, bool terminal) {
     size_t column = 0;
     for (const value *member = list->first->first; member; member = member->next)
         if (for_people(member))
             drawn->columns[column++] = {keep(drawn, heading_of(member->name)), is_number(member)};
     table_cell *cells = drawn->cells;
-    for (const value *row = list->first; row; row = row->next, cells += columns) {
-        for (column = 0; column < columns; column++)
-            cells[column] = {"", emphasis::NONE};
-        column = 0;
-        for (const value *member = row->first; member && column < columns; member = member->next)
-            if (for_people(member))
-                cells[column++] = {keep(drawn, cell_text(member, terminal)), member->shown};
+    for (const value *row = list->first; row; row = row->next) {
+        for (const value *heading = list->first->first; heading; heading = heading->next) {
+            if (!for_people(heading))
+                continue;
+            const value *member = find_for_people(row, heading->name);
+            *cells++ = member ? table_cell{keep(drawn, cell_text(member, terminal)), member->shown}
+                              : table_cell{"", emphasis::NONE};
+        }
     }
 }
 
@@ -159,7 +134,7 @@ static void print_objects(FILE *out, const value *list, const text_options *opti
     drawn.cells = static_cast<table_cell *>(calloc(columns * rows, sizeof *drawn.cells));
     drawn.owned = static_cast<char **>(calloc(columns * (rows + 1), sizeof *drawn.owned));
     if (drawn.columns && drawn.cells && drawn.owned) {
-        fill_table(&drawn, list, columns, options->terminal);
+        fill_table(&drawn, list, options->terminal);
         const text_table table = {columns, drawn.columns, rows, drawn.cells};
         print_table(out, &table, options->colour);
     }
@@ -190,8 +165,8 @@ static int name_column(const value *object) {
 
 static void print_line(FILE *out, const value *member, int column, const text_options *options) {
     char *text = cell_text(member, options->terminal);
-    const char *begin = options->colour ? emphasis_begin(member->shown) : "";
-    const char *end = options->colour ? emphasis_end(member->shown) : "";
+    const char *begin = emphasis_begin(member->shown, options->colour);
+    const char *end = emphasis_end(member->shown, options->colour);
     bool empty_list = member->kind == value_kind::LIST && !member->first;
     fprintf(out, "%-*s%*s%s%s%s\n", column, member->name, GAP, "", begin, empty_list ? "none" : (text ? text : ""),
             end);
@@ -216,8 +191,8 @@ static void print_members(FILE *out, const value *object, const text_options *op
         if (stands_on_its_line(member)) {
             print_line(out, member, column, options);
         } else {
-            fprintf(out, "%s%s%s%s\n", any ? "\n" : "", options->colour ? "\033[1m" : "", member->name,
-                    options->colour ? "\033[0m" : "");
+            fprintf(out, "%s%s%s%s\n", any ? "\n" : "", heading_begin(options->colour), member->name,
+                    heading_end(options->colour));
             print_section(out, member, options);
         }
         any = true;
@@ -233,7 +208,7 @@ void render_text(FILE *out, const value *object, const text_options *options) {
     } else if (only->kind == value_kind::OBJECT) {
         render_text(out, only, options);
     } else if (is_scalar(only)) {
-        print_scalar(out, only, options->terminal, line_breaks::AS_THEY_ARE);
+        print_one(out, only, options->terminal, line_breaks::AS_THEY_ARE);
         putc('\n', out);
     } else if (only->kind == value_kind::LIST && !only->first) {
         fprintf(out, "no %s\n", only->name);

@@ -1,27 +1,16 @@
 #include <string.h>
 
 #include "client/render.h"
+#include "client/scalar.h"
+
+// What could not be found out is an empty line.
+static constexpr scalar_words BARE_WORDS = {"", "false", "true"};
 
 static void print_bare(FILE *out, const value *shown) {
-    switch (shown->kind) {
-        case value_kind::NOTHING:
-            break;
-        case value_kind::BOOLEAN:
-            fputs(shown->truth ? "true" : "false", out);
-            break;
-        case value_kind::SIGNED:
-            fprintf(out, "%lld", static_cast<long long>(shown->number));
-            break;
-        case value_kind::UNSIGNED:
-            fprintf(out, "%llu", static_cast<unsigned long long>(shown->natural));
-            break;
-        case value_kind::TEXT:
-            fwrite(shown->text, 1, shown->length, out);
-            break;
-        case value_kind::LIST:
-        case value_kind::OBJECT:
-            return;
-    }
+    if (shown->kind == value_kind::TEXT)
+        fwrite(shown->text, 1, shown->length, out);
+    else
+        print_scalar(out, shown, &BARE_WORDS);
     putc('\n', out);
 }
 
@@ -48,17 +37,28 @@ static size_t print_everything(FILE *out, const value *parent) {
     return count;
 }
 
+// Where the names behind the first one begin, in "vaps.channel" for what is called vaps; "" for what is called as the
+// last one, nullptr for what has another name.
+static const char *names_behind(const char *field, const char *name) {
+    size_t length = name ? strlen(name) : 0;
+    if (!name || strncasecmp(field, name, length) != 0 || (field[length] && field[length] != '.'))
+        return nullptr;
+    return field[length] ? field + length + 1 : field + length;
+}
+
 static size_t print_field(FILE *out, const value *parent, const char *field) {
     size_t count = 0;
     for (const value *child = parent->first; child; child = child->next) {
-        bool named = child->name && strcasecmp(child->name, field) == 0;
+        const char *behind = names_behind(field, child->name);
         if (child->readers == audience::PEOPLE)
             continue;
-        if (named && is_scalar(child)) {
+        if (!behind || *behind) {
+            count += print_field(out, child, behind ? behind : field);
+        } else if (is_scalar(child)) {
             print_bare(out, child);
             count++;
         } else {
-            count += named ? print_everything(out, child) : print_field(out, child, field);
+            count += print_everything(out, child);
         }
     }
     return count;

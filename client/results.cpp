@@ -90,6 +90,25 @@ bool says_something(const procedure_row *row, const wlan_config_result_data_t *r
     return false;
 }
 
+bool has_several_values(const procedure_row *row) {
+    switch (row->result.kind) {
+        case result_kind::CODE:
+        case result_kind::ACTION:
+        case result_kind::STRING:
+        case result_kind::LONG_STRING:
+            return false;
+        case result_kind::INTEGERS:
+            return row->result.output_count > 1;
+        case result_kind::INTEGERS64:
+            return row->result.size > 1;
+        case result_kind::WORDS:
+        case result_kind::IMAGE:
+        case result_kind::COUNTED_IMAGE:
+            return true;
+    }
+    return false;
+}
+
 static int64_t number64(const wlan_config_result_data_t *result, size_t place) {
     const u_int *words = result->return_values.return_values_val + 2 * place;
     return static_cast<int64_t>(uint64_t{words[1]} << 32 | words[0]);

@@ -17,6 +17,9 @@ bool check_result(const procedure_row *row, const wlan_config_result_data_t *res
 // all zeros. Failures mostly have none.
 bool says_something(const procedure_row *row, const wlan_config_result_data_t *result);
 
+// Whether results of a row have more than one value, so that a bare one has to be chosen by its name.
+bool has_several_values(const procedure_row *row);
+
 // The payload of a checked result as an object that the caller owns: its integers, its text or its record under the
 // names that the row has for them. Empty for a result without payload.
 value *result_value(const procedure_row *row, const wlan_config_result_data_t *result);

@@ -1,6 +1,7 @@
 #include "client/session.h"
 
 #include <stdarg.h>
+#include <string.h>
 
 #include "client/help.h"
 #include "client/render.h"
@@ -17,6 +18,14 @@ value *new_answer(const client_session *session) {
     return answer;
 }
 
+bool speaks_to_people(const client_session *session) {
+    return session->settings.format == output_format::TEXT || session->settings.format == output_format::DUMP;
+}
+
+bool wants_page(const client_session *session) {
+    return speaks_to_people(session) || (session->settings.format == output_format::VALUE && !session->settings.field);
+}
+
 static void consider_members(suggestions *found, const value *parent, const char *wanted) {
     for (const value *child = parent->first; child; child = child->next) {
         if (child->readers == audience::PEOPLE)
@@ -30,8 +39,9 @@ static void consider_members(suggestions *found, const value *parent, const char
 static client_exit_status complain_of_field(client_session *session, const value *result, const char *field) {
     char problem[PROBLEM_SIZE];
     snprintf(problem, sizeof problem, "the result has no \"%s\"", field);
+    const char *last = strrchr(field, '.');
     suggestions found;
-    consider_members(&found, result, field);
+    consider_members(&found, result, last ? last + 1 : field);
     return complain_with_suggestions(session, EXIT_STATUS_NOT_FOUND, problem, &found);
 }
 

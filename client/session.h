@@ -45,6 +45,13 @@ struct client_session {
 // before that: {"line":3,"operation":"setSsid"}. The caller owns it.
 value *new_answer(const client_session *session);
 
+// Whether text for people is wanted: also with DUMP, which is for results of operations and makes no difference else.
+bool speaks_to_people(const client_session *session);
+
+// Whether what is one page for people, such as a help, goes out as it stands. As a bare value it does, too, unless a
+// part of it is asked for by its name.
+bool wants_page(const client_session *session);
+
 // Prints a result (an object) in the session's format and frees it; flushes, since a reader may wait for each line of a
 // stream. EXIT_STATUS_SUCCESS, or what went wrong with picking a bare value.
 client_exit_status show(client_session *session, value *result);

@@ -62,9 +62,8 @@ size_t slip_distance(const char *wanted, const char *candidate) {
     size_t distance = edit_distance(wanted, candidate);
     if (distance <= tolerated_distance(length))
         return distance;
-    if (length >= TELLING_LENGTH && strstr(candidate, wanted))
-        return SUGGESTION_SIZE + distance;
-    return TOO_FAR;
+    // Further than any slip, since those have been told apart above.
+    return length >= TELLING_LENGTH && strstr(candidate, wanted) ? distance : TOO_FAR;
 }
 
 static bool is_there(const suggestions *found, const char *word) {

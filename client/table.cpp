@@ -3,6 +3,8 @@
 #include <libsmartcols.h>
 #include <stdlib.h>
 
+#include "client/colour.h"
+
 static bool add_columns(libscols_table *drawn, const text_table *table, bool colour) {
     for (size_t i = 0; i < table->column_count; i++) {
         int flags = table->columns[i].right ? SCOLS_FL_RIGHT : 0;
@@ -10,7 +12,7 @@ static bool add_columns(libscols_table *drawn, const text_table *table, bool col
         if (!column)
             return false;
         if (colour)
-            scols_cell_set_color(scols_column_get_header(column), "\033[1m");
+            scols_cell_set_color(scols_column_get_header(column), heading_begin(colour));
     }
     return true;
 }
@@ -24,7 +26,7 @@ static bool add_row(libscols_table *drawn, const text_table *table, size_t row, 
         if (scols_line_set_data(line, i, cell->text) != 0)
             return false;
         if (colour && cell->shown != emphasis::NONE)
-            scols_cell_set_color(scols_line_get_cell(line, i), emphasis_begin(cell->shown));
+            scols_cell_set_color(scols_line_get_cell(line, i), emphasis_begin(cell->shown, colour));
     }
     return true;
 }

@@ -28,7 +28,3 @@ struct text_table {
 
 // Colours only where the caller knows that there is a terminal that wants them. False when memory ran out.
 bool print_table(FILE *out, const text_table *table, bool colour);
-
-// The terminal's sequences that begin and end an emphasis, "" for NONE.
-const char *emphasis_begin(emphasis shown);
-const char *emphasis_end(emphasis shown);

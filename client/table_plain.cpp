@@ -1,8 +1,9 @@
 #include "client/table.h"
 
+#include "client/colour.h"
+
 static void print_cell(FILE *out, const table_cell *cell, bool colour) {
-    fprintf(out, "%s%s%s", colour ? emphasis_begin(cell->shown) : "", cell->text,
-            colour ? emphasis_end(cell->shown) : "");
+    fprintf(out, "%s%s%s", emphasis_begin(cell->shown, colour), cell->text, emphasis_end(cell->shown, colour));
 }
 
 bool print_table(FILE *out, const text_table *table, bool colour) {

@@ -1,6 +1,5 @@
 #include "client/value.h"
 
-#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
@@ -12,8 +11,8 @@ static void *allocated(void *memory) {
     if (memory)
         return memory;
     static const char problem[] = "out of memory\n";
-    if (write(STDERR_FILENO, problem, sizeof problem - 1) < 0)
-        _exit(EXIT_STATUS_LOCAL);
+    ssize_t written = write(STDERR_FILENO, problem, sizeof problem - 1);
+    (void)written;
     _exit(EXIT_STATUS_LOCAL);
 }
 
@@ -105,6 +104,20 @@ value *add_text(value *to, const char *name, const char *text, size_t length) {
 
 value *add_string(value *to, const char *name, const char *text) {
     return add_text(to, name, text, strlen(text));
+}
+
+void begin_text(printed_text *printed) {
+    *printed = {};
+    printed->out = static_cast<FILE *>(allocated(open_memstream(&printed->text, &printed->length)));
+}
+
+value *add_printed(value *to, const char *name, printed_text *printed) {
+    bool complete = !ferror(printed->out);
+    complete = fclose(printed->out) == 0 && complete;
+    value *added = append(to, name, value_kind::TEXT);
+    added->text = static_cast<char *>(allocated(complete ? printed->text : nullptr));
+    added->length = printed->length;
+    return added;
 }
 
 value *add_mac(value *to, const char *name, const void *octets) {

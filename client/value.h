@@ -7,6 +7,7 @@
 
 #include <stddef.h>
 #include <stdint.h>
+#include <stdio.h>
 
 enum class value_kind { NOTHING, BOOLEAN, SIGNED, UNSIGNED, TEXT, LIST, OBJECT };
 
@@ -47,6 +48,14 @@ value *add_unsigned(value *to, const char *name, uint64_t natural);
 value *add_text(value *to, const char *name, const char *text, size_t length);
 // A text with a NUL.
 value *add_string(value *to, const char *name, const char *text);
+// A text that is printed: it is what stands in `out` when it is added.
+struct printed_text {
+    FILE *out;
+    char *text;
+    size_t length;
+};
+void begin_text(printed_text *printed);
+value *add_printed(value *to, const char *name, printed_text *printed);
 // Six octets as 28:6a:ba:4c:10:01.
 value *add_mac(value *to, const char *name, const void *octets);
 // An existing tree as a member or element; `to` owns it from now on.

@@ -21,7 +21,7 @@
 #include <tuple>
 #include <vector>
 
-#include "client/help.h"
+#include "client/operation_text.h"
 #include "client/operations.h"
 #include "tests/system/gateway.h"
 #include "tests/system/lifecycle.h"
@@ -211,7 +211,7 @@ void print_list(const char *name, const strings &items) {
 // In front of the row stands what it is sorted by.
 void print_row(const procedure_row &row, const touches &found) {
     printf("%010u\tTOUCHES(", row.number);
-    print_number(stdout, row.number);
+    print_procedure_number(stdout, row.number);
     printf(", %s", row.name);
     print_list("SAMPLE", sample_words(row));
     print_list("READS", found.reads);

@@ -54,6 +54,34 @@ TEST_F(Client, BadUsageIsStatusTwoAndSendsNothing) {
     EXPECT_TRUE(lines_since(JOURNAL_FILE, mark).empty());
 }
 
+// The socket would have the number of the stream, and the answer would go to the server.
+TEST_F(Client, StandardOutputThatIsClosedIsStatusSevenAndNoSocketTakesItsPlace) {
+    for (const char *words : {"getSsid 1", "-o json getSsid 1", "setSsid 1 home", "list"}) {
+        command_output closed = client(std::string(words) + " >&-");
+        EXPECT_EQ(closed.status, 7) << words;
+        EXPECT_EQ(closed.errors, "vlk_rpc_wlan_config_client: cannot write the output: Bad file descriptor\n");
+    }
+    EXPECT_EQ(client("getSsid 1 <&- 2>&-").text, "home\n");
+}
+
+TEST_F(Client, OutputThatCannotBeWrittenIsStatusSeven) {
+    for (const char *words :
+         {"getSsid 1", "-o json getSsid 1", "setSsid 1 home", "status", "help", "reference -o json"}) {
+        command_output full = client(std::string(words) + " >/dev/full");
+        EXPECT_EQ(full.status, 7) << words;
+        EXPECT_EQ(full.errors, "vlk_rpc_wlan_config_client: cannot write the output: No space left on device\n");
+    }
+    EXPECT_EQ(client("setChannel 9 6 -o json >/dev/full").status, 1) << "what the server says counts more";
+}
+
+// As any tool: the signal ends it where it is not ignored, and is an error that is said where it is.
+TEST_F(Client, ReaderThatGoesAwayEndsItByTheSignalOrWithStatusSeven) {
+    std::string reference = std::string("(") + CLIENT + "reference; echo $? >&2) | true";
+    EXPECT_EQ(run_command(reference).errors, "141\n");
+    EXPECT_EQ(run_command("trap '' PIPE; " + reference).errors,
+              "vlk_rpc_wlan_config_client: cannot write the output: Broken pipe\n7\n");
+}
+
 TEST_F(Client, ServerThatIsBusyLongerThanTheTimeoutIsStatusFour) {
     size_t mark = mark_of(JOURNAL_FILE);
     run_command("fault cfg slow 2");

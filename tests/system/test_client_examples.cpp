@@ -6,7 +6,8 @@
 #include <optional>
 #include <set>
 
-#include "client/describe.h"
+#include "client/description.h"
+#include "client/meanings.h"
 #include "client/render.h"
 #include "tests/support/examples.h"
 #include "tests/system/gateway.h"

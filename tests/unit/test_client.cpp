@@ -97,12 +97,9 @@ TEST(ClientNames, WordsThatAreNoOperationAreNotFound) {
 }
 
 std::vector<std::string> suggestions_for(const std::string &word) {
-    const procedure_row *suggestions[SUGGESTIONS_MAX];
-    size_t count = suggest_operations(word.c_str(), suggestions);
-    std::vector<std::string> names;
-    for (size_t i = 0; i < count; i++)
-        names.push_back(name_of(suggestions[i]));
-    return names;
+    suggestions found;
+    consider_operations(&found, word.c_str());
+    return {found.words, found.words + found.count};
 }
 
 TEST(ClientNames, MistypedWordSuggestsTheNearestFirst) {
@@ -824,6 +821,7 @@ TEST(ClientHelp, ListShowsArgumentsAndSummary) {
 TEST(ClientHelp, ListIsFilteredByNameSubjectAndSummaryInAnyCase) {
     for (const char *word : {"getbssidport", "get_bssid_port", "get-bssid", "IDENTITY", "Switch Port"})
         EXPECT_NE(run({"list", word}).out.find("  getBssidPort <bssid> "), std::string::npos) << word;
+    EXPECT_EQ(run({"list", "wlan"}).out, run({"list"}).out) << "which begins all procedures";
     std::string found = run({"list", "switch port"}).out;
     EXPECT_EQ(std::count(found.begin(), found.end(), '\n'), 2) << found;
 }

@@ -116,6 +116,22 @@ TEST(ClientCompletion, OptionsOfTheProgramStandBeforeTheCommand) {
     EXPECT_EQ(words_for({"--", "getNumberO"}), strings{"getNumberOfEntries"});
 }
 
+TEST(ClientCompletion, OneHyphenBeginsAllOptions) {
+    strings found = words_for({"-"});
+    ASSERT_EQ(found.size(), global_option_count);
+    EXPECT_EQ(found[0], "--timeout");
+}
+
+TEST(ClientCompletion, SecondPairOfHyphensIsAWord) {
+    EXPECT_FALSE(words_for({"list", "--", ""}).empty());
+    EXPECT_TRUE(words_for({"list", "--", "--", ""}).empty());
+}
+
+TEST(ClientCompletion, LetterOfACommandsOwnOptionHasItsValue) {
+    EXPECT_EQ(completed({"scan", "-w", ""}).substr(0, 14), "\thint\tSECONDS:");
+    EXPECT_EQ(completed({"watch", "-c", ""}).substr(0, 13), "\thint\tNUMBER:");
+}
+
 TEST(ClientCompletion, CommandsHaveTheirOwnOptionsAsWell) {
     strings found = words_for({"batch", "--"});
     EXPECT_EQ(found,

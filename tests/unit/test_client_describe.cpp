@@ -1,5 +1,5 @@
 // Finding and understanding an operation: list and describe, for people and for programs.
-#include "client/describe.h"
+#include "client/description.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "client/operation_text.h"
 #include "client/record_fields.h"
 #include "tests/support/client_runs.h"
 
@@ -67,6 +68,23 @@ TEST(ClientDescribe, RangeOfAnOutputStandsBehindIt) {
               std::string::npos);
 }
 
+TEST(ClientDescribe, NumbersOfTheSecondBlockAreHexadecimal) {
+    for (auto [number, shown] :
+         {std::pair{uint32_t{1}, "1"}, {0xffffff, "16777215"}, {0x1000000, "0x1000000"}, {0x100000c, "0x100000C"}})
+        EXPECT_EQ(written([number = number](FILE *out) { print_procedure_number(out, number); }), shown);
+}
+
+TEST(ClientDescribe, TruthIsToldWithoutItsRange) {
+    EXPECT_NE(description_of("getWmmEnable").find("  enabled       1 for on, 0 for off (0 or 1)\n"), std::string::npos);
+}
+
+TEST(ClientDescribe, ProgramsHaveTheRangeOfAnOutputAsPeopleDo) {
+    EXPECT_EQ(answer_to({"describe", "getBeaconType"})["result"]["result"]["values"][0]["range"],
+              "None, Basic, WPA, 11i, WPAand11i");
+    EXPECT_EQ(answer_to({"describe", "getGuardInterval"})["result"]["result"]["values"][0]["range"], "0 or 1");
+    EXPECT_EQ(answer_to({"describe", "getSsid"})["result"]["result"]["values"][0]["range"], nullptr);
+}
+
 TEST(ClientDescribe, RecordHasTheFieldsThatPeopleReadAndTheNamesOfTheOthers) {
     std::string text = description_of("getApScanResult");
     EXPECT_NE(text.find("\nresult\n"
@@ -120,7 +138,7 @@ TEST(ClientDescribe, ObjectForProgramsHasTheSameMembersForEveryOperation) {
                                            "arguments", "result",  "handler", "back_end", "example",   "touches"};
     const std::set<std::string> of_argument = {"name", "kind",    "meaning", "unit", "least",
                                                "most", "outside", "accepts", "used", "example"};
-    const std::set<std::string> of_value = {"name", "kind", "meaning", "unit", "least", "most", "count"};
+    const std::set<std::string> of_value = {"name", "kind", "meaning", "unit", "least", "most", "range", "count"};
     auto names = [](const json &object) {
         std::set<std::string> keys;
         for (const auto &[key, member] : object.items())
@@ -179,6 +197,9 @@ TEST(ClientDescribe, ResultsOfProgramsHaveKindsCountsAndFields) {
     EXPECT_EQ(result["fields"][1]["fields"][4]["unit"], "s");
     EXPECT_EQ(result["fields"][1]["fields"][3]["detail"], true);
     EXPECT_EQ(answer_to({"describe", "getSsid"})["result"]["result"]["kind"], "text");
+    result = answer_to({"describe", "getBsBss5gCapableTable"})["result"]["result"];
+    EXPECT_EQ(result["values"][0]["name"], "count");
+    EXPECT_EQ(result["values"][1]["kind"], "record");
     EXPECT_EQ(answer_to({"describe", "getAdvairtimeWaitThreshold"})["result"]["back_end"], nullptr);
     EXPECT_EQ(answer_to({"describe", "getDot11uEnable"})["result"]["example"]["status"], 1);
 }

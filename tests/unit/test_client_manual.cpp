@@ -6,6 +6,7 @@
 #include <sstream>
 #include <string>
 
+#include "client/command_table.h"
 #include "tests/support/client_runs.h"
 
 namespace {

@@ -213,6 +213,19 @@ TEST(ClientOptions, UnknownOptionIsNamed) {
     EXPECT_FALSE(leading({"--cached"}).fits) << "an option of a command alone";
 }
 
+TEST(ClientOptions, OptionThatTakesNoValueIsNamedWhenItIsGivenOne) {
+    EXPECT_EQ(leading({"--help=yes"}).problem, "--help takes no value");
+    EXPECT_EQ(behind({"1", "--cached="}).common.problem, "--cached takes no value");
+    EXPECT_EQ(behind({"1", "--cach=1"}).common.problem, "--cach takes no value");
+    EXPECT_EQ(leading({"--bogus=1"}).problem, "--bogus=1 is no option");
+}
+
+TEST(ClientOptions, BeginningOfSeveralOptionsIsNoneOfThem) {
+    EXPECT_EQ(behind({"1", "--c"}).common.problem, "--c is the beginning of more than one option");
+    EXPECT_EQ(behind({"1", "--c=1"}).common.problem, "--c=1 is the beginning of more than one option");
+    EXPECT_EQ(leading({"--c"}).problem, "--c needs a value") << "only --color begins so outside of commands";
+}
+
 TEST(ClientOptions, OptionWithoutItsValueIsNamed) {
     EXPECT_EQ(leading({"-t"}).problem, "-t needs a value");
     EXPECT_EQ(leading({"--server"}).problem, "--server needs a value");
@@ -308,6 +321,9 @@ TEST_F(ClientOperationOptions, WordBehindTheArgumentsThatIsNoOptionIsOneTooMany)
     EXPECT_TRUE(outcome.errors.starts_with("setSsid: takes 2 arguments, not 3\n")) << outcome.errors;
     outcome = call({"setSsid", "1", "a", "-t", "9", "b"});
     EXPECT_EQ(outcome.status, 2);
+    EXPECT_TRUE(outcome.errors.starts_with("setSsid: takes 2 arguments, not 3\n")) << "options are no arguments";
+    outcome = call({"getSsid", "1", "--", "-o", "json"});
+    EXPECT_TRUE(outcome.errors.starts_with("getSsid: takes 1 argument, not 3\n")) << outcome.errors;
     EXPECT_EQ(server.received(), 0);
 }
 
@@ -339,6 +355,53 @@ TEST_F(ClientOperationOptions, ServerOfAnOperationIsAskedInsteadOfTheOther) {
 TEST_F(ClientOperationOptions, HelpOfACommandTakesAnyFormat) {
     EXPECT_EQ(call({"list", "--help"}).out, call({"help", "list"}).out);
     EXPECT_EQ(call({"-h"}).out, call({"help"}).out);
+}
+
+TEST_F(ClientOperationOptions, BareValueOutOfSeveralHasToBeChosenBeforeAnythingIsSent) {
+    const std::string line = ": the result has several values: choose one by its name with --field\n";
+    EXPECT_EQ(call({"getBssidPort", "x", "-o", "value"}).errors, "getBssidPort" + line);
+    EXPECT_EQ(call({"getAssocDevicesTable", "1", "-o", "value"}).errors, "getAssocDevicesTable" + line);
+    EXPECT_EQ(call({"getRssiTable", "1", "-o", "value"}).errors, "getRssiTable" + line);
+    EXPECT_EQ(call({"getStats", "1", "-o", "value"}).status, 2);
+    EXPECT_EQ(server.received() + portmapper.received(), 0);
+    for (const strings &words :
+         {strings{"setSsid", "1", "x"}, {"getSsid", "1"}, {"getEnable", "1"}, {"getRadioTxPackets", "1"}})
+        EXPECT_NE(call({"-o", "value", words[0], words[1], words.size() > 2 ? words[2] : "-t9"}).errors,
+                  words[0] + line);
+    EXPECT_EQ(server.received(), 4);
+    call({"getBssidPort", "x", "--field", "port"});
+    EXPECT_EQ(server.received(), 5) << "chosen";
+}
+
+TEST_F(ClientOperationOptions, WhatIsWrongIsSaidInTheFormatThatIsAskedForAnywhere) {
+    for (const strings &words : {strings{"bogus", "1", "-o", "json"},
+                                 {"bogus", "--output=json", "1"},
+                                 {"getSsid", "-o", "json"},
+                                 {"getSsid", "-ojson", "--field"},
+                                 {"getSsid", "1", "--bogus", "-o", "json"},
+                                 {"--bogus", "getSsid", "1", "--out", "json"},
+                                 {"list", "--bogus", "-o", "json"},
+                                 {"-hojson", "--bogus"},
+                                 {"-o", "text", "--timeout", "x", "list", "-ojson"}}) {
+        run_outcome outcome = call(words);
+        EXPECT_EQ(outcome.status, 2) << words[0];
+        EXPECT_EQ(outcome.errors, "") << words[0];
+        EXPECT_EQ(nlohmann::json::parse(outcome.out, nullptr, false)["error"]["kind"], "usage") << outcome.out;
+    }
+    EXPECT_EQ(server.received() + portmapper.received(), 0);
+}
+
+TEST_F(ClientOperationOptions, WordsThatAreNoFormatChangeNothing) {
+    for (const strings &words : {strings{"bogus", "-o"},
+                                 {"bogus", "json"},
+                                 {"bogus", "-o", "jsn"},
+                                 {"bogus", "--field", "json"},
+                                 {"setEnable", "x", "-ojson"},
+                                 {"bogus", "-", "--", "--output"}}) {
+        run_outcome outcome = call(words);
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.out, "") << words[1];
+    }
 }
 
 TEST_F(ClientOperationOptions, UsageForProgramsIsAnObject) {

@@ -291,6 +291,32 @@ TEST(ClientText, RowWithFewerMembersLeavesItsLastCellsEmpty) {
     free_value(object);
 }
 
+TEST(ClientText, RowWithoutAMemberInTheMiddleLeavesThatCellEmpty) {
+    value *object = two_stations();
+    value *third = add_object(object->first, nullptr);
+    add_number(third, "detail", 3)->readers = audience::PROGRAMS;
+    add_number(third, "other", 5);
+    add_number(third, "rssi", 7);
+    EXPECT_EQ(as_text(object),
+              "MAC                RSSI\n"
+              "28:6a:ba:4c:10:01    42\n"
+              "short              -100\n"
+              "                      7\n");
+    free_value(object);
+}
+
+TEST(ClientText, CellIsTheMemberForPeopleOfTwoWithOneName) {
+    value *object = new_object();
+    value *list = add_list(object, "radios");
+    for (const char *shown : {"20 MHz", "80 MHz"}) {
+        value *row = add_object(list, nullptr);
+        add_number(row, "width", 4711)->readers = audience::PROGRAMS;
+        add_string(row, "width", shown)->readers = audience::PEOPLE;
+    }
+    EXPECT_EQ(as_text(object), "WIDTH\n20 MHz\n80 MHz\n");
+    free_value(object);
+}
+
 TEST(ClientText, RowWithMoreMembersFillsNoFurtherColumns) {
     value *object = two_stations();
     add_number(object->first->last, "more", 7);
@@ -408,6 +434,21 @@ TEST(ClientValues, FieldThatIsAListGivesItsElementsOneByOne) {
     bare_values values = as_values(object, "entries");
     EXPECT_EQ(values.count, 3u);
     EXPECT_EQ(values.text, "0\n1\n2\n");
+    free_value(object);
+}
+
+TEST(ClientValues, NameBehindADotIsFoundBelowTheOneBefore) {
+    value *object = two_stations();
+    add_number(object, "rssi", 1);
+    add_number(add_object(add_object(object, "radio"), "mean"), "rssi", 2);
+    EXPECT_EQ(as_values(object, "rssi").text, "42\n-100\n1\n2\n");
+    EXPECT_EQ(as_values(object, "stations.rssi").text, "42\n-100\n");
+    EXPECT_EQ(as_values(object, "Radio.RSSI").text, "2\n");
+    EXPECT_EQ(as_values(object, "radio.mean.rssi").text, "2\n");
+    EXPECT_EQ(as_values(object, "radio.mean").text, "2\n");
+    for (const char *field :
+         {"rssi.radio", "mean.radio.rssi", "radio.mac", "stat.rssi", "stationsrssi", "rssis", "rssi.rssi", ".rssi"})
+        EXPECT_EQ(as_values(object, field).count, 0u) << field;
     free_value(object);
 }
 

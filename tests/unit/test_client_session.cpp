@@ -71,6 +71,15 @@ TEST(ClientSession, FieldThatIsNotThereIsNotFound) {
     EXPECT_EQ(test.errors(), "status: the result has no \"bssid\"\nDid you mean ssid?\n");
 }
 
+TEST(ClientSession, SuggestionsForANameBehindDotsAreForThatNameAlone) {
+    TestSession test(output_format::VALUE);
+    test.session.settings.field = "device.op";
+    value *result = new_object();
+    add_string(result, "ip", "192.168.0.20");
+    EXPECT_EQ(show(&test.session, result), EXIT_STATUS_NOT_FOUND);
+    EXPECT_EQ(test.errors(), "vlk_rpc_wlan_config_client: the result has no \"device.op\"\nDid you mean ip?\n");
+}
+
 TEST(ClientSession, LinesOfAStreamAreThereAtOnce) {
     TestSession test(output_format::JSON);
     char *text = nullptr;

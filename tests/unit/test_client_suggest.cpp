@@ -113,6 +113,12 @@ TEST(ClientSuggestions, MistypedOptionSuggestsThoseOfTheProgramAndOfTheCommand) 
     expect_meant({"batch", "--keepgoin"}, 2, {"--keep-going"});
 }
 
+TEST(ClientSuggestions, BeginningOfSeveralOptionsSuggestsAllOfThem) {
+    expect_meant({"init", "--wa"}, 2, {"--wait", "--wait-for"});
+    expect_meant({"scan", "1", "--c"}, 2, {"--color", "--cached"});
+    EXPECT_TRUE(run({"init", "--wa"}).errors.starts_with("init: --wa is the beginning of more than one option\n"));
+}
+
 TEST(ClientSuggestions, MistypedFormatsAndColoursSuggestThem) {
     run_outcome outcome = run({"-o", "jsno", "list"});
     EXPECT_EQ(outcome.errors,
@@ -138,6 +144,8 @@ TEST(ClientSuggestions, FilterOfTheListSuggestsWordsOfSubjectsAndNames) {
 TEST(ClientSuggestions, MistypedFieldSuggestsTheNamesOfTheResult) {
     EXPECT_EQ(run({"-f", "sumary", "list", "switch port"}).errors,
               "list: the result has no \"sumary\"\nDid you mean summary?\n");
+    EXPECT_EQ(run({"-f", "operations.sumary", "list", "switch port"}).errors,
+              "list: the result has no \"operations.sumary\"\nDid you mean summary?\n");
 }
 
 }  // namespace

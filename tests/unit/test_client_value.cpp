@@ -82,6 +82,20 @@ TEST(ClientValue, TextHasItsLengthAndMayHaveZerosInIt) {
     free_value(object);
 }
 
+TEST(ClientValue, TextMayBePrinted) {
+    value *object = new_object();
+    printed_text printed;
+    begin_text(&printed);
+    fprintf(printed.out, "%d%c%s", 4711, '\0', "home");
+    const value *added = add_printed(object, "text", &printed);
+    EXPECT_STREQ(added->name, "text");
+    EXPECT_EQ(std::string(added->text, added->length), std::string("4711\0home", 9));
+    begin_text(&printed);
+    EXPECT_EQ(add_printed(object, "empty", &printed)->length, 0u);
+    EXPECT_STREQ(find_member(object, "empty")->text, "");
+    free_value(object);
+}
+
 TEST(ClientValue, MacIsSixPairsInLowerCase) {
     value *object = new_object();
     const unsigned char octets[] = {0x00, 0x0f, 0xAB, 0xff, 0x80, 0x01};

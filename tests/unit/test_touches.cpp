@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "client/arguments.h"
-#include "client/help.h"
+#include "client/describe.h"
 #include "server/wire.h"
 
 namespace {
