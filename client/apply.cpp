@@ -1,17 +1,13 @@
-#include <ctype.h>
-#include <stdlib.h>
 #include <string.h>
 
-#include "client/changes.h"
+#include "client/diff.h"
+#include "client/dry_run.h"
 #include "client/export.h"
 #include "client/help.h"
 #include "client/names.h"
 #include "client/options.h"
 #include "client/pending.h"
-#include "client/render.h"
 #include "client/settings_commands.h"
-#include "client/settings_document.h"
-#include "client/utf8.h"
 
 const option_row apply_options[3] = {
     {"dry-run", nullptr, "show the calls as commands, and make none of them", word_kind::NONE, '\0'},
@@ -19,199 +15,6 @@ const option_row apply_options[3] = {
     {"confirm-within", "SECONDS", "put the old settings back unless `confirm` comes in time, 1 to 3600",
      word_kind::NUMBER, '\0'},
 };
-
-// What a diff and an apply begin with: what the gateway is to be and what it is.
-struct comparison {
-    value *document;
-    value *then;
-    value *now;
-    change_list changes;
-};
-
-static void free_comparison(comparison *compared) {
-    free_changes(&compared->changes);
-    free_value(compared->now);
-    free_value(compared->then);
-    free_value(compared->document);
-}
-
-static client_exit_status load_document(client_session *session, const char *path, comparison *compared) {
-    client_exit_status status = read_document(session, path, &compared->document);
-    if (status != EXIT_STATUS_SUCCESS)
-        return status;
-    char problem[PROBLEM_SIZE];
-    compared->then = checked_settings(compared->document, problem);
-    if (compared->then)
-        return EXIT_STATUS_SUCCESS;
-    snprintf(session->problem, sizeof session->problem, "%.160s: %.340s", path, problem);
-    return EXIT_STATUS_USAGE;
-}
-
-// Reads as much of the gateway as the document has; all of it when it has to be put back later.
-static client_exit_status compare(client_session *session, const char *path, bool everything, comparison *compared) {
-    client_exit_status status = load_document(session, path, compared);
-    if (status == EXIT_STATUS_SUCCESS)
-        status = read_settings(session, everything ? nullptr : compared->then, nullptr, nullptr, &compared->now);
-    if (status == EXIT_STATUS_SUCCESS)
-        compared->changes = find_changes(compared->now, compared->then);
-    return status;
-}
-
-// --- showing changes ---
-
-static bool is_compound(const value *shown) {
-    return shown->kind == value_kind::LIST || shown->kind == value_kind::OBJECT;
-}
-
-// Lists and objects are shown to people as the document has them.
-static void add_compound_text(value *to, const char *name, const value *shown) {
-    char *text = nullptr;
-    size_t size;
-    FILE *memory = open_memstream(&text, &size);
-    if (!memory)
-        return;
-    render_json(memory, shown);
-    if (fclose(memory) == 0)
-        add_text(to, name, text, size - 1)->readers = audience::PEOPLE;
-    free(text);
-}
-
-static void add_side(value *to, const char *name, const setting_change *change, const value *shown) {
-    if (!shown) {
-        add_nothing(to, name);
-    } else if (change->setting->keeping & SECRET) {
-        add_string(to, name, "(secret)");
-    } else if (is_compound(shown)) {
-        add_copy(to, name, shown)->readers = audience::PROGRAMS;
-        add_compound_text(to, name, shown);
-    } else {
-        add_copy(to, name, shown);
-    }
-}
-
-static value *add_change(value *list, const setting_change *change) {
-    value *entry = add_object(list, nullptr);
-    char where[WHERE_SIZE];
-    name_place(change->setting, change->place, change->element, where);
-    add_string(entry, "where", where);
-    add_string(entry, "setting", change->setting->name);
-    add_side(entry, "now", change, change->now);
-    add_side(entry, "then", change, change->then);
-    return entry;
-}
-
-client_exit_status run_diff(client_session *session, const command_line *line) {
-    comparison compared = {};
-    client_exit_status status = compare(session, line->words[0], false, &compared);
-    if (status == EXIT_STATUS_SUCCESS) {
-        value *result = new_object();
-        value *list = add_list(result, "changes");
-        for (size_t i = 0; i < compared.changes.count; i++)
-            if (compared.changes.changes[i].expected)
-                add_change(list, &compared.changes.changes[i]);
-        status = show(session, result);
-    } else {
-        status = complain_of_call(session, status);
-    }
-    free_comparison(&compared);
-    return status;
-}
-
-// --- dry run ---
-
-static bool is_bare_word(const char *text) {
-    for (const char *c = text; *c; c++)
-        if (!isalnum(static_cast<unsigned char>(*c)) && !strchr("_./:@%+,-", *c))
-            return false;
-    return *text;
-}
-
-// Bytes that a terminal would obey or cannot show.
-static bool is_plain_text(const char *text) {
-    size_t length = strlen(text);
-    for (size_t i = 0; i < length; i += utf8_length(text + i, length - i))
-        if (utf8_length(text + i, length - i) == 0 || is_control_character(text + i, length - i))
-            return false;
-    return true;
-}
-
-// A word as a shell takes it: bare, in quotes, or with its bytes spelled out.
-static void print_word(FILE *out, const char *text) {
-    if (is_bare_word(text)) {
-        fputs(text, out);
-        return;
-    }
-    bool plain = is_plain_text(text);
-    fputs(plain ? "'" : "$'", out);
-    for (const char *c = text; *c; c++) {
-        unsigned char byte = static_cast<unsigned char>(*c);
-        if (plain && *c == '\'')
-            fputs("'\\''", out);
-        else if (plain)
-            putc(*c, out);
-        else if (byte < 0x20 || byte >= 0x7f || *c == '\'' || *c == '\\')
-            fprintf(out, "\\x%02x", byte);
-        else
-            putc(*c, out);
-    }
-    putc('\'', out);
-}
-
-static void print_call(client_session *session, const planned_call *call) {
-    char name[OPERATION_NAME_SIZE];
-    operation_name(call->procedure, name);
-    fprintf(session->out, "%s ", PROGRAM_NAME);
-    if (strcmp(session->connection->endpoint.address, GATEWAY_ENDPOINT.address) != 0)
-        fprintf(session->out, "--server %s ", session->connection->endpoint.address);
-    fputs(name, session->out);
-    for (size_t i = 0; i < call->arguments.count; i++) {
-        const argument_value *argument = &call->arguments.values[i];
-        putc(' ', session->out);
-        if (argument->kind == argument_kind::TEXT)
-            print_word(session->out, argument->text);
-        else
-            fprintf(session->out, "%lld", static_cast<long long>(argument->number));
-    }
-    fputs(call->change.expected ? "\n" : "  # if a call above has changed it\n", session->out);
-}
-
-static void add_call(value *list, const planned_call *call) {
-    value *entry = add_object(list, nullptr);
-    char name[OPERATION_NAME_SIZE], where[WHERE_SIZE];
-    operation_name(call->procedure, name);
-    add_string(entry, "operation", name);
-    value *arguments = add_list(entry, "arguments");
-    for (size_t i = 0; i < call->arguments.count; i++) {
-        const argument_value *argument = &call->arguments.values[i];
-        if (argument->kind == argument_kind::TEXT)
-            add_string(arguments, nullptr, argument->text);
-        else
-            add_number(arguments, nullptr, argument->number);
-    }
-    name_place(call->change.setting, call->change.place, call->change.element, where);
-    add_string(entry, "where", where);
-    add_string(entry, "setting", call->change.setting->name);
-    add_boolean(entry, "expected", call->change.expected);
-}
-
-static client_exit_status show_calls(client_session *session, const change_list *changes) {
-    call_plan plan = {};
-    for (size_t i = 0; i < changes->count; i++)
-        plan_change(&plan, &changes->changes[i]);
-    client_exit_status status = EXIT_STATUS_SUCCESS;
-    if (session->settings.format == output_format::TEXT) {
-        for (size_t i = 0; i < plan.count; i++)
-            print_call(session, &plan.calls[i]);
-    } else {
-        value *result = new_object();
-        value *list = add_list(result, "calls");
-        for (size_t i = 0; i < plan.count; i++)
-            add_call(list, &plan.calls[i]);
-        status = show(session, result);
-    }
-    free_plan(&plan);
-    return status;
-}
 
 // --- applying ---
 
@@ -361,25 +164,27 @@ static client_exit_status show_application(client_session *session, application 
     return complain_in(session, answer, made->status, made->problem);
 }
 
-static client_exit_status keep_old_settings(client_session *session, const value *now, int seconds,
+static client_exit_status keep_old_settings(client_session *session, const comparison *compared, int seconds,
                                             pending_changes *pending) {
     value *settings = new_object();
-    for (const value *section = now->first; section; section = section->next)
+    for (const value *section = compared->now->first; section; section = section->next)
         add_copy(settings, section->name, section);
     value *document = new_document(settings);
-    client_exit_status status = begin_pending(session, now, document, seconds, pending);
+    client_exit_status status = begin_pending(session, compared->now, document, &compared->changes, seconds, pending);
     free_value(document);
     return status;
 }
 
 static client_exit_status apply_changes(client_session *session, comparison *compared, bool keep_going,
-                                        int confirm_within) {
+                                        int confirm_within, const char *lost) {
     application made = new_application();
+    if (*lost)
+        add_string(made.result, "lost", lost)->readers = audience::PROGRAMS;  // people have been told
     pending_changes pending = {-1};
     if (count_expected(&compared->changes) == 0)
         return show_application(session, &made);
     if (confirm_within > 0) {
-        client_exit_status status = keep_old_settings(session, compared->now, confirm_within, &pending);
+        client_exit_status status = keep_old_settings(session, compared, confirm_within, &pending);
         if (status != EXIT_STATUS_SUCCESS) {
             free_value(made.result);
             free_value(made.late_found);
@@ -405,8 +210,11 @@ client_exit_status run_apply(client_session *session, const command_line *line) 
     bool dry = option_value(line, "dry-run");
     if (!seconds_option(line, "confirm-within", 0, &seconds, session->problem))
         return complain_of_call(session, EXIT_STATUS_USAGE);
+    if (!can_show_many(session))
+        return EXIT_STATUS_USAGE;
     comparison compared = {};
-    client_exit_status status = dry ? EXIT_STATUS_SUCCESS : check_nothing_pending(session);
+    char lost[PATH_MAX] = "";
+    client_exit_status status = dry ? EXIT_STATUS_SUCCESS : check_nothing_pending(session, lost);
     if (status == EXIT_STATUS_SUCCESS)
         status = compare(session, line->words[0], seconds > 0, &compared);
     if (status != EXIT_STATUS_SUCCESS)
@@ -414,7 +222,7 @@ client_exit_status run_apply(client_session *session, const command_line *line) 
     else if (dry)
         status = show_calls(session, &compared.changes);
     else
-        status = apply_changes(session, &compared, option_value(line, "keep-going"), seconds);
+        status = apply_changes(session, &compared, option_value(line, "keep-going"), seconds, lost);
     free_comparison(&compared);
     return status;
 }

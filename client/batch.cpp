@@ -4,7 +4,6 @@
 #include <string.h>
 
 #include "client/commands.h"
-#include "client/words.h"
 
 enum class read_outcome { LINE, END, TOO_LONG, NO_TEXT, UNREADABLE };
 
@@ -41,7 +40,7 @@ static void echo_line(client_session *session, const char *text) {
         fprintf(session->out, "+ %s\n", text);
 }
 
-static bool is_end(const line_words *split) {
+bool says_end(const line_words *split) {
     return split->count == 1 && (strcmp(split->words[0], "exit") == 0 || strcmp(split->words[0], "quit") == 0);
 }
 
@@ -53,7 +52,7 @@ static client_exit_status carry_out(client_session *session, const read_line *li
     bool is_split = split_line(line->text, line->length, &split, problem);
     if (is_split && split.count == 0)
         return EXIT_STATUS_SUCCESS;
-    *ended = is_split && options->ends_early && is_end(&split);
+    *ended = is_split && options->ends_early && says_end(&split);
     if (*ended)
         return EXIT_STATUS_SUCCESS;
     if (options->echo)
@@ -98,6 +97,8 @@ client_exit_status run_lines(client_session *session, FILE *in, const char *name
         client_session one = *session;
         one.speaker = nullptr;
         one.origin = {line_source::BATCH, name, number, nullptr};
+        if (in == stdin)
+            one.input_taken = "the lines come from there";
         client_exit_status status = run_one(&one, &line, outcome, options, &ended);
         if (first_failure == EXIT_STATUS_SUCCESS)
             first_failure = status;
@@ -109,25 +110,15 @@ client_exit_status run_lines(client_session *session, FILE *in, const char *name
     return first_failure;
 }
 
-// Lines that come from a person or from another batch have nothing more to read there.
-static bool is_nested(const client_session *session, bool from_file) {
-    switch (session->origin.source) {
-        case line_source::NONE:
-            return false;
-        case line_source::BATCH:
-            return true;
-        case line_source::SHELL:
-            return !from_file;
-    }
-    return true;
-}
-
 client_exit_status run_batch(client_session *session, const command_line *line) {
     const char *file = line->word_count == 0 ? "-" : line->words[0];
     bool from_file = strcmp(file, "-") != 0;
-    if (is_nested(session, from_file))
-        return complain(session, EXIT_STATUS_USAGE,
-                        from_file ? "a batch within a batch is refused" : "lines already come from standard input");
+    if (session->origin.source == line_source::BATCH)
+        return complain(session, EXIT_STATUS_USAGE, "a batch within a batch is refused");
+    if (!from_file && session->origin.source == line_source::SHELL)
+        return complain(session, EXIT_STATUS_USAGE, "lines already come from standard input");
+    if (!from_file && session->input_taken)
+        return complain(session, EXIT_STATUS_USAGE, "standard input cannot be read: %s", session->input_taken);
     const batch_options options = {option_value(line, "keep-going") != nullptr, option_value(line, "echo") != nullptr,
                                    false};
     if (!from_file)

@@ -6,8 +6,12 @@
 #include <stdio.h>
 
 #include "client/command_table.h"
+#include "client/words.h"
 
 client_exit_status run_batch(client_session *session, const command_line *line);
+
+// exit or quit, alone on its line.
+bool says_end(const line_words *split);
 
 struct batch_options {
     bool keep_going;

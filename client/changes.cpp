@@ -6,18 +6,21 @@
 
 #include "client/ask.h"
 #include "client/setting_conversions.h"
+#include "client/vaps.h"
 
 constexpr size_t FAMILIES = static_cast<size_t>(setting_family::WPS) + 1;
-constexpr size_t PLACES = 17;  // 0 of the gateway, and 16 VAPs
+
+// What stands before the arguments of a call: the call's own six words, and credentials and verifier that are empty.
+constexpr size_t CALL_HEADER_SIZE = 40;
 
 // In which phase a setter of a family was first called at a place; LAST_SETTING_PHASE where none was.
 struct touched_families {
-    setting_phase phases[FAMILIES][PLACES];
+    setting_phase phases[FAMILIES][PLACES_MAX];
 };
 
 // Where a family's settings meet. The WPS methods are the gateway's and switch WPS of the first VAP of each radio.
 static size_t meeting_place(const setting_row *setting, int place) {
-    bool follows_methods = setting->family == setting_family::WPS && (place == 1 || place == 9);
+    bool follows_methods = setting->family == setting_family::WPS && place == first_vap_of(radio_of_vap(place));
     return follows_methods ? 0 : static_cast<size_t>(place);
 }
 
@@ -83,6 +86,31 @@ size_t count_expected(const change_list *list) {
     for (size_t i = 0; i < list->count; i++)
         count += list->changes[i].expected;
     return count;
+}
+
+static bool fits_a_call(planned_call *call) {
+    if (call->arguments.count == 0)
+        return true;
+    unsigned long size = xdr_sizeof(as_xdrproc(xdr_call_arguments), &call->arguments);
+    return size > 0 && size + CALL_HEADER_SIZE <= UDPMSGSIZE;
+}
+
+bool check_sizes(client_session *session, const change_list *list) {
+    call_plan plan = {};
+    for (size_t i = 0; i < list->count; i++)
+        plan_change(&plan, &list->changes[i]);
+    planned_call *call = plan.calls;
+    while (call < plan.calls + plan.count && fits_a_call(call))
+        call++;
+    bool all_fit = call == plan.calls + plan.count;
+    if (!all_fit) {
+        char where[WHERE_SIZE];
+        name_place(call->change.setting, call->change.place, call->change.element, where);
+        snprintf(session->problem, sizeof session->problem, "%s %s is longer than a call can be (%d bytes in all)",
+                 where, call->change.setting->name, UDPMSGSIZE);
+    }
+    free_plan(&plan);
+    return all_fit;
 }
 
 // Whether a setting that was as it should be still is, after others have been set.

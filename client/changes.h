@@ -26,6 +26,10 @@ struct change_outcome {
     char problem[PROBLEM_SIZE];
 };
 
+// Whether every call that the changes need fits a datagram. False with a sentence in session->problem: better before
+// the first of them is made.
+bool check_sizes(client_session *session, const change_list *list);
+
 // Told of each change that was made or has failed.
 using change_listener = void (*)(void *context, const change_outcome *outcome);
 

@@ -1,15 +1,13 @@
+#include "client/export.h"
+
 #include <errno.h>
-#include <fcntl.h>
-#include <limits.h>
 #include <stdlib.h>
 #include <string.h>
-#include <sys/stat.h>
 #include <time.h>
-#include <unistd.h>
 
-#include "client/export.h"
 #include "client/help.h"
 #include "client/render.h"
+#include "client/replace_file.h"
 #include "client/settings_commands.h"
 #include "client/settings_document.h"
 
@@ -23,7 +21,7 @@ const option_row export_options[2] = {
 
 // The places at which the getter of a setting failed.
 struct unread_row {
-    bool places[17];
+    bool places[PLACES_MAX];
     bool any;
 };
 
@@ -140,32 +138,12 @@ value *new_document(value *settings) {
 
 // --- the file ---
 
-// Whether the path is there and is no ordinary file, such as a terminal: that is written to, never replaced.
-static bool is_special(const char *path) {
-    struct stat status;
-    return stat(path, &status) == 0 && !S_ISREG(status.st_mode);
-}
-
-// The file gets its name when it is whole: whatever goes wrong, an older document stays as it was.
 static bool write_file(const char *path, const value *document) {
-    char beside[PATH_MAX];
-    bool special = is_special(path);
-    if (snprintf(beside, sizeof beside, special ? "%s" : "%s.XXXXXX", path) >= PATH_MAX) {
-        errno = ENAMETOOLONG;
+    replaced_file file;
+    if (!begin_replacing(&file, path, PRIVATE))
         return false;
-    }
-    int file = special ? open(path, O_WRONLY | O_CLOEXEC | O_NOCTTY) : mkostemp(beside, O_CLOEXEC);
-    FILE *out = file >= 0 ? fdopen(file, "w") : nullptr;
-    if (!out)
-        return false;
-    render_json_document(out, document);
-    bool written = fflush(out) == 0 && !ferror(out) && (special || fsync(file) == 0);
-    written = fclose(out) == 0 && written && (special || rename(beside, path) == 0);
-    int error = errno;
-    if (!written && !special)
-        unlink(beside);
-    errno = error;
-    return written;
+    render_json_document(file.stream, document);
+    return end_replacing(&file);
 }
 
 static size_t count_settings(const value *settings) {

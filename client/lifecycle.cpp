@@ -6,6 +6,7 @@
 #include "client/commands.h"
 #include "client/names.h"
 #include "client/options.h"
+#include "client/vaps.h"
 #include "client/waiting.h"
 
 // Loading may take a minute, a reconnect a quarter of one before its init begins, and a request may have to wait for
@@ -17,9 +18,6 @@ constexpr int LOOKS_IN_A_ROW = 2;
 
 // The last look begins when the waiting is over, and may take this long.
 constexpr int64_t LAST_LOOK_MS = 2000;
-
-constexpr int VAP_COUNT = 16;
-constexpr int FIRST_VAPS[] = {1, 9};  // of each radio
 
 // Large enough for the statuses, which are single words; a longer text is none of them.
 constexpr size_t STATUS_SIZE = 32;
@@ -45,9 +43,9 @@ struct followed_driver {
     bool cut;      // that look, because its time is over
     bool wanted_known;
     size_t wanted_count;
-    int wanted[VAP_COUNT];  // VAPs that are switched on, on radios that are
+    int wanted[VAP_COUNT_MAX];  // VAPs that are switched on, on radios that are
     size_t late_count;
-    int late[VAP_COUNT];  // VAPs that stood in the way when the last look was over
+    int late[VAP_COUNT_MAX];  // VAPs that stood in the way when the last look was over
 };
 
 static const char *state_word(driver_state state) {
@@ -92,16 +90,16 @@ static bool is_vap_up(followed_driver *driver, int vap) {
 // A radio is there as soon as the driver is, whether any of its VAPs is up or not.
 static bool is_loaded(followed_driver *driver) {
     int64_t streams;
-    for (int vap : FIRST_VAPS)
+    for (int radio = 0; radio < RADIO_COUNT; radio++)
         if (may_ask(driver) &&
-            succeeded(driver, ask_number(driver->session, PROC_wlan_get_ht_tx_stream, vap, &streams)))
+            succeeded(driver, ask_number(driver->session, PROC_wlan_get_ht_tx_stream, first_vap_of(radio), &streams)))
             return true;
     return false;
 }
 
 static void look_what_is_wanted(followed_driver *driver) {
     driver->wanted_count = 0;
-    for (int vap = 1; vap <= VAP_COUNT; vap++)
+    for (int vap = 1; vap <= VAP_COUNT_MAX; vap++)
         if (is_switched_on(driver, PROC_wlan_get_enable, vap) &&
             is_switched_on(driver, PROC_wlan_get_radio_enabled, vap))
             driver->wanted[driver->wanted_count++] = vap;
@@ -121,7 +119,7 @@ static bool look_up(followed_driver *driver) {
 
 static bool look_down(followed_driver *driver) {
     bool loaded = is_loaded(driver);
-    for (int vap = 1; vap <= VAP_COUNT && driver->answers; vap++)
+    for (int vap = 1; vap <= VAP_COUNT_MAX && driver->answers; vap++)
         if (is_vap_up(driver, vap))
             driver->late[driver->late_count++] = vap;
     return !loaded && driver->late_count == 0;
@@ -261,6 +259,8 @@ static client_exit_status run_lifecycle(client_session *session, const command_l
         return complain_of_call(session, EXIT_STATUS_USAGE);
     if (!option_value(line, "wait") && !option_value(line, "wait-for"))
         return run_as_operation(session, operation, radio);
+    if (!can_show_many(session))
+        return EXIT_STATUS_USAGE;
     client_exit_status status = request(session, operation, radio);
     return status == EXIT_STATUS_SUCCESS ? follow_to_goal(session, row, wait_seconds) : status;
 }

@@ -22,9 +22,13 @@
 // How often the process looks whether it has been relieved by a confirmation.
 constexpr int LOOK_MILLISECONDS = 200;
 
-// A server that does not answer is asked again for this long: a gateway starts again within it.
-constexpr int ATTEMPTS = 60;
-constexpr unsigned ATTEMPT_PAUSE_SECONDS = 5;
+// A server that does not answer is asked again for five minutes at least: a gateway starts again within them.
+constexpr int ATTEMPTS = 300;
+constexpr unsigned ATTEMPT_PAUSE_SECONDS = 1;
+
+// Files with settings that could not be put back: the oldest has no number, and none takes the place of another.
+constexpr int LOST_FILES_MAX = 100;
+constexpr int NUMBER_ROOM = 16;  // in a path, which is shorter by far
 
 // What a client may have inherited from whoever started it: more than any shell opens.
 constexpr int INHERITED_FILES_MAX = 1024;
@@ -32,7 +36,7 @@ constexpr int INHERITED_FILES_MAX = 1024;
 struct pending_paths {
     char waiting[PATH_MAX];    // for its confirmation
     char restoring[PATH_MAX];  // too late
-    char lost[PATH_MAX];       // the process was killed
+    char lost[PATH_MAX];       // nobody puts them back any more
     char unnamed[PATH_MAX];    // before it is whole
 };
 
@@ -59,7 +63,7 @@ static file_state state_of(const char *path) {
     int file = open(path, O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
     if (file < 0)
         return file_state::ABSENT;
-    bool kept = flock(file, LOCK_EX | LOCK_NB) != 0;
+    bool kept = flock(file, LOCK_SH | LOCK_NB) != 0;  // shared, or two that look would take each other for the keeper
     close(file);
     return kept ? file_state::KEPT : file_state::ABANDONED;
 }
@@ -70,22 +74,41 @@ static client_exit_status problem(client_session *session, client_exit_status st
     return status;
 }
 
-client_exit_status check_nothing_pending(client_session *session) {
+// Gives a file the first name of lost ones that is free. False with that name in `name` when it cannot.
+static bool keep_lost(const pending_paths *paths, const char *path, char name[PATH_MAX]) {
+    snprintf(name, PATH_MAX, "%s", paths->lost);
+    bool named = link(path, name) == 0;
+    for (int i = 2; !named && errno == EEXIST && i <= LOST_FILES_MAX; i++) {
+        snprintf(name, PATH_MAX, "%.*s.%d", PATH_MAX - NUMBER_ROOM, paths->lost, i);
+        named = link(path, name) == 0;
+    }
+    return named && unlink(path) == 0;
+}
+
+static client_exit_status complain_of_others(client_session *session) {
+    snprintf(session->problem, sizeof session->problem,
+             "changes made before wait to be confirmed: confirm them, or wait until the old settings are back");
+    return EXIT_STATUS_LOCAL;
+}
+
+client_exit_status check_nothing_pending(client_session *session, char lost[PATH_MAX]) {
     pending_paths paths;
+    *lost = '\0';
     if (!find_paths(session, &paths))
         return EXIT_STATUS_SUCCESS;
-    if (state_of(paths.restoring) == file_state::KEPT || state_of(paths.waiting) == file_state::KEPT) {
-        snprintf(session->problem, sizeof session->problem,
-                 "changes made before wait to be confirmed: confirm them, or wait until the old settings are back");
-        return EXIT_STATUS_LOCAL;
-    }
+    if (state_of(paths.restoring) == file_state::KEPT || state_of(paths.waiting) == file_state::KEPT)
+        return complain_of_others(session);
     const char *const named[] = {paths.waiting, paths.restoring};
-    for (const char *path : named)
-        if (state_of(path) == file_state::ABANDONED && rename(path, paths.lost) == 0)
-            remark(session,
-                   "Changes made before were neither confirmed nor taken back, since the process that waited was "
-                   "killed. The settings from before them are in %s\n",
-                   paths.lost);
+    for (const char *path : named) {
+        if (state_of(path) != file_state::ABANDONED)
+            continue;
+        if (!keep_lost(&paths, path, lost))
+            return problem(session, EXIT_STATUS_LOCAL, "cannot keep the settings from before other changes in", lost);
+        remark(session,
+               "Changes made before were neither confirmed nor taken back, since the process that waited was "
+               "killed. The settings from before them are in %s\n",
+               lost);
+    }
     return EXIT_STATUS_SUCCESS;
 }
 
@@ -94,6 +117,7 @@ client_exit_status check_nothing_pending(client_session *session) {
 struct keeper {
     const pending_paths *paths;
     const value *old_settings;
+    const change_list *changes;  // those that have been made, or some of them
     call_endpoint endpoint;
     client_settings settings;
     int64_t milliseconds;
@@ -144,21 +168,66 @@ static bool claim(const keeper *kept) {
     return false;
 }
 
-static client_exit_status put_back_once(const keeper *kept) {
+// What is still not as it was. Settings that read back with the next init only cannot be looked at.
+static size_t count_missing(const value *now, const value *then) {
+    change_list changes = find_changes(now, then);
+    size_t missing = 0;
+    for (size_t i = 0; i < changes.count; i++)
+        missing += changes.changes[i].expected && !(changes.changes[i].setting->keeping & LATE);
+    free_changes(&changes);
+    return missing;
+}
+
+// Reads what there is now, and how much of it is still not as it was.
+static client_exit_status look(client_session *session, const value *then, value **now, size_t *missing) {
+    client_exit_status status = read_settings(session, then, nullptr, nullptr, now);
+    *missing = status == EXIT_STATUS_SUCCESS ? count_missing(*now, then) : 0;
+    return status;
+}
+
+// What was set and reads back with the next init only looks as if it had never been set: it has to be set whatever is
+// read.
+static client_exit_status set_late_ones(client_session *session, const keeper *kept) {
+    change_list late = {static_cast<setting_change *>(calloc(kept->changes->count, sizeof(setting_change))), 0, 0};
+    if (!late.changes)
+        return EXIT_STATUS_LOCAL;
+    for (size_t i = 0; i < kept->changes->count; i++) {
+        setting_change change = kept->changes->changes[i];
+        if (!(change.setting->keeping & LATE) || !change.now)
+            continue;
+        change.then = change.now;
+        change.now = nullptr;
+        change.expected = true;
+        late.changes[late.count++] = change;
+    }
+    client_exit_status status = make_changes(session, &late, true, nullptr, nullptr);
+    free_changes(&late);
+    return status;
+}
+
+// Whatever some setters answer, what counts is what the getters say afterwards.
+static client_exit_status set_old(client_session *session, const value *now, const value *then) {
+    change_list changes = find_changes(now, then);
+    client_exit_status status = make_changes(session, &changes, true, nullptr, nullptr);
+    free_changes(&changes);
+    return status == EXIT_STATUS_FAILURE ? EXIT_STATUS_SUCCESS : status;
+}
+
+// Of a server that answers, *missing settings could not be put back.
+static client_exit_status put_back_once(const keeper *kept, size_t *missing) {
     server_connection connection = new_connection(&kept->endpoint);
     client_session session = {&connection, kept->settings, stdout, stderr, nullptr, false, ""};
-    value *now;
-    client_exit_status status = read_settings(&session, kept->old_settings, nullptr, nullptr, &now);
-    // Twice: what was set later may have changed what was set before.
-    for (int i = 0; i < 2 && status == EXIT_STATUS_SUCCESS; i++) {
-        change_list changes = find_changes(now, kept->old_settings);
-        status = make_changes(&session, &changes, true, nullptr, nullptr);
-        status = status == EXIT_STATUS_FAILURE ? EXIT_STATUS_SUCCESS : status;
-        free_changes(&changes);
+    value *now = nullptr;
+    client_exit_status status = set_late_ones(&session, kept);
+    if (status == EXIT_STATUS_SUCCESS || status == EXIT_STATUS_FAILURE)
+        status = look(&session, kept->old_settings, &now, missing);
+    // Once more when something is not right then: what was set later may have changed what was set before.
+    for (int i = 0; i < 2 && status == EXIT_STATUS_SUCCESS && (i == 0 || *missing > 0); i++) {
+        status = set_old(&session, now, kept->old_settings);
         free_value(now);
         now = nullptr;
-        if (i == 0 && status == EXIT_STATUS_SUCCESS)
-            status = read_settings(&session, kept->old_settings, nullptr, nullptr, &now);
+        if (status == EXIT_STATUS_SUCCESS)
+            status = look(&session, kept->old_settings, &now, missing);
     }
     free_value(now);
     close_connection(&connection);
@@ -166,24 +235,28 @@ static client_exit_status put_back_once(const keeper *kept) {
 }
 
 static void put_back(const keeper *kept) {
+    size_t missing;
     openlog(PROGRAM_NAME, LOG_PID, LOG_DAEMON);
-    client_exit_status status = put_back_once(kept);
+    client_exit_status status = put_back_once(kept, &missing);
     for (int i = 1; i < ATTEMPTS && status != EXIT_STATUS_SUCCESS; i++) {
         sleep(ATTEMPT_PAUSE_SECONDS);
-        status = put_back_once(kept);
+        status = put_back_once(kept, &missing);
     }
-    if (status == EXIT_STATUS_SUCCESS) {
+    if (status == EXIT_STATUS_SUCCESS && missing == 0) {
         syslog(LOG_NOTICE, "changes were not confirmed: the old settings are back");
         unlink(kept->paths->restoring);
         return;
     }
-    rename(kept->paths->restoring, kept->paths->lost);
-    syslog(LOG_ERR, "changes were not confirmed, and the old settings cannot be put back: they are in %s",
-           kept->paths->lost);
+    char lost[PATH_MAX];
+    keep_lost(kept->paths, kept->paths->restoring, lost);
+    if (status == EXIT_STATUS_SUCCESS)
+        syslog(LOG_ERR, "changes were not confirmed, and %zu of the old settings cannot be put back: they are in %s",
+               missing, lost);
+    else
+        syslog(LOG_ERR, "changes were not confirmed, and the old settings cannot be put back: they are in %s", lost);
 }
 
 [[noreturn]] static void keep(const keeper *kept) {
-    setsid();
     signal(SIGHUP, SIG_IGN);
     bool done = wait_for_the_changes(kept);
     if ((!done || wait_for_the_end(kept)) && claim(kept))
@@ -219,7 +292,9 @@ static client_exit_status write_state(client_session *session, const pending_pat
     bool written = out && fclose(out) == 0 && flock(*file, LOCK_EX | LOCK_NB) == 0;
     bool named = written && link(paths->unnamed, paths->waiting) == 0;
     client_exit_status status = EXIT_STATUS_SUCCESS;
-    if (!named)
+    if (!named && errno == EEXIST)  // somebody was faster
+        status = complain_of_others(session);
+    else if (!named)
         status = problem(session, EXIT_STATUS_LOCAL, "cannot write", paths->waiting);
     unlink(paths->unnamed);
     if (!named)
@@ -234,6 +309,7 @@ static bool start_keeper(const keeper *kept) {
     if (child < 0)
         return false;
     if (child == 0) {
+        setsid();  // before the client goes on: a Ctrl-C is for the client alone
         pid_t grandchild = fork();
         if (grandchild != 0)
             _exit(grandchild < 0 ? EXIT_STATUS_LOCAL : EXIT_STATUS_SUCCESS);
@@ -246,8 +322,8 @@ static bool start_keeper(const keeper *kept) {
     return WIFEXITED(status) && WEXITSTATUS(status) == EXIT_STATUS_SUCCESS;
 }
 
-client_exit_status begin_pending(client_session *session, const value *old_settings, const value *document, int seconds,
-                                 pending_changes *pending) {
+client_exit_status begin_pending(client_session *session, const value *old_settings, const value *document,
+                                 const change_list *changes, int seconds, pending_changes *pending) {
     pending_paths paths;
     *pending = {-1};
     if (!find_paths(session, &paths))
@@ -258,7 +334,7 @@ client_exit_status begin_pending(client_session *session, const value *old_setti
         return status;
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0) {
         const keeper kept = {
-            &paths, old_settings, session->connection->endpoint, session->settings, int64_t{seconds} * 1000,
+            &paths, old_settings, changes, session->connection->endpoint, session->settings, int64_t{seconds} * 1000,
             file,   ends[0]};
         if (start_keeper(&kept))
             pending->pipe = ends[1];
@@ -286,13 +362,10 @@ client_exit_status confirm_pending(client_session *session) {
     pending_paths paths;
     if (!find_paths(session, &paths))
         return EXIT_STATUS_LOCAL;
-    if (state_of(paths.restoring) == file_state::KEPT) {
-        snprintf(session->problem, sizeof session->problem, "too late: the old settings are being put back");
-        return EXIT_STATUS_NOT_FOUND;
-    }
-    if (state_of(paths.waiting) != file_state::KEPT || unlink(paths.waiting) != 0) {
-        snprintf(session->problem, sizeof session->problem, "nothing waits to be confirmed");
-        return EXIT_STATUS_NOT_FOUND;
-    }
-    return EXIT_STATUS_SUCCESS;
+    if (state_of(paths.waiting) == file_state::KEPT && unlink(paths.waiting) == 0)
+        return EXIT_STATUS_SUCCESS;
+    bool late = state_of(paths.restoring) == file_state::KEPT;
+    snprintf(session->problem, sizeof session->problem, "%s",
+             late ? "too late: the old settings are being put back" : "nothing waits to be confirmed");
+    return EXIT_STATUS_NOT_FOUND;
 }

@@ -7,6 +7,7 @@
 #include "client/options.h"
 #include "client/render.h"
 #include "client/results.h"
+#include "client/vaps.h"
 #include "client/waiting.h"
 #include "server/records.h"
 
@@ -234,20 +235,20 @@ static client_exit_status run_survey(client_session *session, int wait_seconds, 
 }
 
 client_exit_status run_scan(client_session *session, const command_line *line) {
-    argument_value vap;
+    survey made = {};
+    made.completed_ms = -1;
     int wait_seconds;
     bool cached = option_value(line, "cached");
-    if (!parse_argument(argument_kind::VAP, line->words[0], &vap))
-        return complain(session, EXIT_STATUS_USAGE, "VAP is \"%s\", but has to be %s", line->words[0],
-                        accepted_text(argument_kind::VAP));
+    client_exit_status status = parse_vap(session, line->words[0], &made.vap);
+    if (status != EXIT_STATUS_SUCCESS)
+        return status;
     if (!seconds_option(line, "wait", WAIT_SECONDS, &wait_seconds, session->problem))
         return complain_of_call(session, EXIT_STATUS_USAGE);
     if (cached && option_value(line, "wait"))
         return complain(session, EXIT_STATUS_USAGE, "with --cached there is nothing to --wait for");
-    survey made = {};
-    made.vap = static_cast<int>(vap.number);
-    made.completed_ms = -1;
-    client_exit_status status = cached ? ask_status(session, &made) : run_survey(session, wait_seconds, &made);
+    if (!can_show_many(session))
+        return EXIT_STATUS_USAGE;
+    status = cached ? ask_status(session, &made) : run_survey(session, wait_seconds, &made);
     if (status == EXIT_STATUS_SUCCESS)
         status = read_list(session, &made);
     return status == EXIT_STATUS_SUCCESS ? show_survey(session, &made) : complain_of_call(session, status);

@@ -56,6 +56,13 @@ static client_exit_status show_value(client_session *session, const value *resul
     return EXIT_STATUS_SUCCESS;
 }
 
+bool can_show_many(client_session *session) {
+    if (session->settings.format != output_format::VALUE || session->settings.field)
+        return true;
+    complain(session, EXIT_STATUS_USAGE, "the result has several values: choose one by its name with --field");
+    return false;
+}
+
 client_exit_status show(client_session *session, value *result) {
     client_exit_status status = EXIT_STATUS_SUCCESS;
     const text_options options = {session->settings.terminal, session->settings.colour};

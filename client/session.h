@@ -39,6 +39,9 @@ struct client_session {
     bool is_operation;           // what the speaker is
     char problem[PROBLEM_SIZE];  // what went wrong with the last call
     line_origin origin = {};     // of a line of a batch or of the shell
+    // Why a command may not read standard input, as the end of a sentence; nullptr when it may.
+    const char *input_taken = nullptr;
+    bool is_watched = false;  // what it prints is gathered and shown at its end, so it has to have one
 };
 
 // {"operation":"setSsid"} or {"command":"status"}, to which result and error are added; the line of a batch stands
@@ -55,6 +58,11 @@ bool wants_page(const client_session *session);
 // Prints a result (an object) in the session's format and frees it; flushes, since a reader may wait for each line of a
 // stream. EXIT_STATUS_SUCCESS, or what went wrong with picking a bare value.
 client_exit_status show(client_session *session, value *result);
+
+// For commands that change something and have many values to say: whether show() will be able to answer. False, and
+// complained of, when a bare value is wanted without a field; nothing may be changed then, for the status is
+// EXIT_STATUS_USAGE.
+bool can_show_many(client_session *session);
 
 // Says that something failed, on standard error; as JSON on standard output, where programs look. Gives back `status`.
 __attribute__((format(printf, 3, 4))) client_exit_status complain(client_session *session, client_exit_status status,

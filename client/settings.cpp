@@ -8,13 +8,12 @@
 #include "client/results.h"
 #include "client/setting_conversions.h"
 #include "client/setting_lists.h"
+#include "client/vaps.h"
 
 constexpr size_t GETTER_PREFIX_LENGTH = sizeof("wlan_get_") - 1;
 
-// The first VAP of the 5 GHz radio; the other radio's is 1.
-constexpr int FIRST_VAP_OF_RADIO_1 = 9;
-constexpr int VAPS = 16;
-constexpr int PAIRS = 8;
+// A VAP of each radio belongs to a pair.
+constexpr int PAIRS = VAPS_OF_A_RADIO;
 
 // {"ssid", PROC_wlan_get_ssid, PROC_wlan_set_ssid, nullptr, nullptr, "...", setting_scope::VAP, ...},
 #define SETTING(getter, setter, scope, phase, family, conversion, keeping, example)                               \
@@ -35,6 +34,8 @@ const setting_exception setting_exceptions[] = {
 };
 const size_t setting_exception_count = sizeof setting_exceptions / sizeof *setting_exceptions;
 
+static_assert(PLACES_MAX == VAP_COUNT_MAX + 1);
+
 struct scope_row {
     setting_scope scope;
     const char *section;
@@ -46,10 +47,10 @@ struct scope_row {
 static const scope_row scopes[] = {
     {setting_scope::GATEWAY, "gateway", nullptr, nullptr, {0, 0}},
     {setting_scope::GATEWAY_BARE, "gateway", nullptr, nullptr, {0, 0}},
-    {setting_scope::RADIO, "radios", "radio", nullptr, {0, 1}},
-    {setting_scope::RADIO_KEYS, "radios", "radio", "key", {0, 1}},
-    {setting_scope::VAP, "vaps", "vap", nullptr, {1, VAPS}},
-    {setting_scope::VAP_CATEGORIES, "vaps", "vap", "category", {1, VAPS}},
+    {setting_scope::RADIO, "radios", "radio", nullptr, {0, RADIO_COUNT - 1}},
+    {setting_scope::RADIO_KEYS, "radios", "radio", "key", {0, RADIO_COUNT - 1}},
+    {setting_scope::VAP, "vaps", "vap", nullptr, {1, VAP_COUNT_MAX}},
+    {setting_scope::VAP_CATEGORIES, "vaps", "vap", "category", {1, VAP_COUNT_MAX}},
     {setting_scope::PAIR, "vaps", "vap", nullptr, {1, PAIRS}},
 };
 
@@ -84,7 +85,7 @@ int call_index(const setting_row *setting, int place) {
             return 0;
         case setting_scope::RADIO:
         case setting_scope::RADIO_KEYS:
-            return place == 0 ? 1 : FIRST_VAP_OF_RADIO_1;
+            return first_vap_of(place);
         case setting_scope::VAP:
         case setting_scope::VAP_CATEGORIES:
         case setting_scope::PAIR:

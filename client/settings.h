@@ -117,6 +117,9 @@ struct place_range {
 };
 place_range places_of(setting_scope scope);
 
+// Of all scopes: the gateway, and the VAPs from 1 on.
+constexpr int PLACES_MAX = 17;
+
 // Whether the setting has four values, and how one of them is called: "key" or "category".
 bool has_elements(const setting_row *setting);
 const char *element_word(const setting_row *setting);

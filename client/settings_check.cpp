@@ -6,6 +6,7 @@
 #include <string.h>
 
 #include "client/ask.h"
+#include "client/session.h"
 #include "client/setting_conversions.h"
 #include "client/settings_document.h"
 
@@ -23,30 +24,42 @@ static char *read_stream(FILE *file, size_t *length) {
     return nullptr;
 }
 
+static bool is_standard_input(const char *path) {
+    return strcmp(path, "-") == 0;
+}
+
 static char *read_file(const char *path, size_t *length) {
-    bool standard_input = strcmp(path, "-") == 0;
-    FILE *file = standard_input ? stdin : fopen(path, "re");
+    FILE *file = is_standard_input(path) ? stdin : fopen(path, "re");
     if (!file)
         return nullptr;
     char *text = read_stream(file, length);
     int error = errno;
-    if (!standard_input)
+    if (file != stdin)
         fclose(file);
     errno = error;
     return text;
+}
+
+const char *document_name(const char *path) {
+    return is_standard_input(path) ? "standard input" : path;
 }
 
 client_exit_status read_document(client_session *session, const char *path, value **document) {
     size_t length;
     char problem[PROBLEM_SIZE];
     *document = nullptr;
+    if (is_standard_input(path) && session->input_taken) {
+        snprintf(session->problem, sizeof session->problem, "standard input cannot be read: %s", session->input_taken);
+        return EXIT_STATUS_USAGE;
+    }
     if (!can_read_documents) {
         parse_document("", 0, session->problem);
         return EXIT_STATUS_LOCAL;
     }
     char *text = read_file(path, &length);
     if (!text) {
-        snprintf(session->problem, sizeof session->problem, "cannot read %.256s: %s", path, strerror(errno));
+        snprintf(session->problem, sizeof session->problem, "cannot read %.256s: %s", document_name(path),
+                 strerror(errno));
         return EXIT_STATUS_LOCAL;
     }
     if (length > DOCUMENT_SIZE_MAX)
@@ -56,7 +69,7 @@ client_exit_status read_document(client_session *session, const char *path, valu
     free(text);
     if (*document)
         return EXIT_STATUS_SUCCESS;
-    snprintf(session->problem, sizeof session->problem, "%.200s: %.256s", path, problem);
+    snprintf(session->problem, sizeof session->problem, "%.200s: %.256s", document_name(path), problem);
     return EXIT_STATUS_USAGE;
 }
 

@@ -25,6 +25,9 @@ extern const bool can_read_documents;
 // wrong. Numbers that are no whole numbers of 64 bits are none here; of two members with one name, the second is wrong.
 value *parse_document(const char *text, size_t length, char problem[PROBLEM_SIZE]);
 
+// What messages call a file: its path, or "standard input" for "-".
+const char *document_name(const char *path);
+
 // Reads and parses a file; "-" is standard input. EXIT_STATUS_LOCAL when it cannot be read, EXIT_STATUS_USAGE when it
 // is no JSON, with session->problem. The caller frees *document.
 client_exit_status read_document(client_session *session, const char *path, value **document);

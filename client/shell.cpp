@@ -1,6 +1,5 @@
 #include "client/shell.h"
 
-#include <dirent.h>
 #include <errno.h>
 #include <histedit.h>
 #include <limits.h>
@@ -8,18 +7,14 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/prctl.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "client/batch.h"
 #include "client/commands.h"
-#include "client/completion.h"
+#include "client/shell_completion.h"
 #include "client/shell_history.h"
 #include "client/words.h"
-
-// As many candidates as fit a screen with what was there before.
-constexpr size_t LISTED_MAX = 60;
 
 struct shell {
     client_session *session;
@@ -47,132 +42,8 @@ static unsigned char cancel_line(EditLine *editor, int) {
     return CC_NEWLINE;
 }
 
-static bool is_continuation(char c) {
-    return (c & 0xc0) == 0x80;
-}
-
-static int count_characters(const char *text, size_t length) {
-    int count = 0;
-    for (size_t i = 0; i < length; i++)
-        count += !is_continuation(text[i]);
-    return count;
-}
-
-// Appends a character as it has to be typed: `quote` is the quote that it stands in, '\0' for none.
-static void append_quoted(char *text, size_t size, char c, char quote) {
-    bool escaped = quote ? quote == '"' && strchr("\"\\$`", c) : strchr(" \t'\"\\#", c) != nullptr;
-    size_t length = strlen(text);
-    snprintf(text + length, size - length, "%s%c", escaped ? "\\" : "", c);
-}
-
-// Puts a word in the place of the one that is being typed. `whole` words are ended by their quote and a blank.
-static void replace_word(EditLine *editor, const line_words *split, const char *word, bool whole) {
-    const LineInfo *line = el_line(editor);
-    size_t begin = split->in_word ? split->last_begin : static_cast<size_t>(line->cursor - line->buffer);
-    char quote = split->open == '\\' ? '\0' : split->open;
-    char text[2 * LINE_LENGTH_MAX] = {quote, '\0'};
-    for (; *word; word++)
-        append_quoted(text, sizeof text, *word, quote);
-    size_t length = strlen(text);
-    if (whole)
-        snprintf(text + length, sizeof text - length, "%.1s ", quote ? split->open == '"' ? "\"" : "'" : "");
-    el_deletestr(editor,
-                 count_characters(line->buffer + begin, static_cast<size_t>(line->cursor - line->buffer) - begin));
-    el_insertstr(editor, text);
-}
-
-static const char *word_of(const value *candidate) {
-    return find_member(candidate, "word")->text;
-}
-
-// How much all candidates have in common.
-static size_t common_length(const value *candidates) {
-    const char *first = word_of(candidates->first);
-    size_t common = strlen(first);
-    for (const value *one = candidates->first->next; one; one = one->next)
-        for (size_t i = 0; i < common; i++)
-            if (word_of(one)[i] != first[i])
-                common = i;
-    while (common > 0 && is_continuation(first[common]))
-        common--;
-    return common;
-}
-
-static void list_candidates(FILE *out, const value *candidates) {
-    size_t shown = 0;
-    putc('\n', out);
-    for (const value *one = candidates->first; one && shown < LISTED_MAX; one = one->next, shown++)
-        fprintf(out, "%-32s  %s\n", word_of(one), find_member(one, "description")->text);
-    if (count_values(candidates) > shown)
-        fprintf(out, "... and %zu more\n", count_values(candidates) - shown);
-    fflush(out);
-}
-
-// File names that begin as `typed` does, whose folder stands before them in the candidates.
-static void add_files(value *candidates, const char *typed) {
-    const char *slash = strrchr(typed, '/');
-    const char *begin = slash ? slash + 1 : typed;
-    char folder[PATH_MAX], path[PATH_MAX + NAME_MAX + sizeof "/"];
-    snprintf(folder, sizeof folder, "%.*s", static_cast<int>(begin - typed), typed);
-    DIR *entries = opendir(*folder ? folder : ".");
-    for (const dirent *entry = nullptr; entries && (entry = readdir(entries));) {
-        struct stat found;
-        bool hidden = entry->d_name[0] == '.' && *begin != '.';
-        int length = snprintf(path, sizeof path, "%s%s", folder, entry->d_name);
-        if (hidden || strncmp(entry->d_name, begin, strlen(begin)) != 0)
-            continue;
-        bool is_folder = stat(path, &found) == 0 && S_ISDIR(found.st_mode);
-        snprintf(path + length, 2, "%s", is_folder ? "/" : "");
-        value *candidate = add_object(candidates, nullptr);
-        add_string(candidate, "word", path);
-        add_string(candidate, "description", "");
-    }
-    if (entries)
-        closedir(entries);
-}
-
-// Puts in what is certain; shows the candidates when that is nothing more than what is there.
-static unsigned char complete_typed(EditLine *editor, const line_words *split, const value *candidates) {
-    const char *typed = split->in_word ? split->words[split->count - 1] : "";
-    char word[PROBLEM_SIZE];
-    bool only_one = !candidates->first->next;
-    size_t common = common_length(candidates);
-    snprintf(word, sizeof word, "%.*s", static_cast<int>(common), word_of(candidates->first));
-    bool goes_on = strlen(word) > 0 && strchr("=/", word[strlen(word) - 1]);
-    if (common < strlen(typed) || (!only_one && strcmp(word, typed) == 0)) {
-        list_candidates(shell_of(editor)->session->out, candidates);
-        return CC_REDISPLAY;
-    }
-    replace_word(editor, split, word, only_one && !goes_on);
-    return CC_REFRESH;
-}
-
 static unsigned char complete_here(EditLine *editor, int) {
-    const LineInfo *line = el_line(editor);
-    client_session *session = shell_of(editor)->session;
-    line_words split;
-    char problem[PROBLEM_SIZE];
-    if (!split_line(line->buffer, static_cast<size_t>(line->cursor - line->buffer), &split, problem) && !split.open)
-        return CC_ERROR;
-    client_session own = *session;
-    own.origin.source = line_source::SHELL;
-    value *answer = complete_line(&own, &split);
-    value *candidates = answer->first;
-    const value *files = find_member(answer, "files");
-    const value *hint = find_member(answer, "hint");
-    const char *typed = split.in_word ? split.words[split.count - 1] : "";
-    if (files->kind == value_kind::TEXT && files->length == 0)
-        add_files(candidates, typed);
-    unsigned char outcome = CC_ERROR;
-    if (candidates->first) {
-        outcome = complete_typed(editor, &split, candidates);
-    } else if (hint->kind == value_kind::TEXT) {
-        fprintf(session->out, "\n%s\n", hint->text);
-        fflush(session->out);
-        outcome = CC_REDISPLAY;
-    }
-    free_value(answer);
-    return outcome;
+    return complete_typed_line(editor, shell_of(editor)->session);
 }
 
 static bool open_editor(shell *state) {
@@ -277,10 +148,6 @@ static client_exit_status run_split(client_session *session, const line_words *s
     return status_of(session, ended);
 }
 
-static bool is_end(const line_words *split) {
-    return split->count == 1 && (strcmp(split->words[0], "exit") == 0 || strcmp(split->words[0], "quit") == 0);
-}
-
 // False when the line ends the shell.
 static bool take_line(shell *state, const char *text) {
     client_session one = *state->session;
@@ -291,7 +158,7 @@ static bool take_line(shell *state, const char *text) {
     bool is_split = split_line(text, strlen(text), &split, problem);
     if (is_split && split.count == 0)
         return true;
-    if (is_split && is_end(&split))
+    if (is_split && says_end(&split))
         return false;
     remember(state, text);
     if (*state->history_file && may_be_kept(&split))
@@ -343,6 +210,8 @@ static void read_lines(shell *state) {
 client_exit_status run_shell(client_session *session, const command_line *) {
     if (session->origin.source != line_source::NONE)
         return complain(session, EXIT_STATUS_USAGE, "this is already a shell or a batch");
+    if (session->is_watched)
+        return complain(session, EXIT_STATUS_USAGE, "a shell cannot be watched");
     if (!isatty(STDIN_FILENO)) {
         const batch_options options = {true, false, true};
         return run_lines(session, stdin, "stdin", &options);

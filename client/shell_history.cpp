@@ -10,6 +10,7 @@
 
 #include "client/command_table.h"
 #include "client/names.h"
+#include "client/replace_file.h"
 
 constexpr char FILE_NAME[] = "vlk_wlan_config_history";
 
@@ -69,19 +70,12 @@ static void write_line(void *out, const char *line) {
 
 // Replaces the file by its last lines; a shell that writes to it at this moment loses a line at most.
 static void shorten(const char *path, FILE *in, size_t first) {
-    char shorter[PATH_MAX];
-    if (snprintf(shorter, sizeof shorter, "%s.%d", path, static_cast<int>(getpid())) >=
-        static_cast<int>(sizeof shorter))
-        return;
-    int fd = open(shorter, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    FILE *out = fd < 0 ? nullptr : fdopen(fd, "w");
-    if (!out)
+    replaced_file shorter;
+    if (!begin_replacing(&shorter, path, PRIVATE))
         return;
     rewind(in);
-    each_line(in, first, write_line, out);
-    bool written = !ferror(out);
-    if (fclose(out) != 0 || !written || rename(shorter, path) != 0)
-        unlink(shorter);
+    each_line(in, first, write_line, shorter.stream);
+    end_replacing(&shorter);
 }
 
 void load_history(const char *path, line_function take, void *receiver) {

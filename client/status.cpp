@@ -22,22 +22,12 @@ static value *gather_vaps(gathering *from, int count, bool enabled_only) {
     return vaps;
 }
 
-static value *gather_radios(gathering *from, int vap_count, const value *vaps) {
-    value *radios = new_list();
-    for (int radio = 0; radio < RADIO_COUNT && first_vap_of(radio) <= vap_count; radio++) {
-        value *made = add_object(radios, nullptr);
-        add_radio(from, made, radio, vaps);
-        add_utilisation(from, made, first_vap_of(radio));
-    }
-    return radios;
-}
-
 client_exit_status run_status(client_session *session, const command_line *line) {
     gathering from = {session, EXIT_STATUS_SUCCESS};
     int count = gather_vap_count(&from);
     value *vaps = gather_vaps(&from, count, option_value(line, "enabled"));
     value *result = new_object();
-    add_value(result, "radios", gather_radios(&from, count, vaps));
+    add_value(result, "radios", gather_radios(&from, count, vaps, add_utilisation));
     add_value(result, "vaps", vaps);
     if (from.status == EXIT_STATUS_SUCCESS)
         return show(session, result);

@@ -144,3 +144,13 @@ void add_radio(gathering *from, value *to, int radio, const value *vaps) {
     add_width(from, to, first);
     add_gathered_number(from, to, "transmit_power", PROC_wlan_get_transmit_power, first);
 }
+
+value *gather_radios(gathering *from, int vap_count, const value *vaps, radio_members add_more) {
+    value *radios = new_list();
+    for (int radio = 0; radio < RADIO_COUNT && first_vap_of(radio) <= vap_count; radio++) {
+        value *made = add_object(radios, nullptr);
+        add_radio(from, made, radio, vaps);
+        add_more(from, made, first_vap_of(radio));
+    }
+    return radios;
+}

@@ -32,5 +32,9 @@ void add_vap(gathering *from, value *to, int index);
 // is up), configured_channel and auto_channel, width, transmit_power.
 void add_radio(gathering *from, value *to, int radio, const value *vaps);
 
+// A list of all radios that VAPs are addressed on, with what `add_more` adds to each from its first VAP.
+using radio_members = void (*)(gathering *from, value *to, int first_vap);
+value *gather_radios(gathering *from, int vap_count, const value *vaps, radio_members add_more);
+
 // Whether a VAP's members say that it is up.
 bool is_up(const value *vap);

@@ -7,10 +7,9 @@
 #include <unistd.h>
 
 #include "client/commands.h"
-#include "client/help.h"
 #include "client/options.h"
-#include "client/render.h"
 #include "client/waiting.h"
+#include "client/watch_output.h"
 
 constexpr int64_t DEFAULT_INTERVAL_MS = 2000;
 
@@ -19,21 +18,6 @@ constexpr int64_t LEAST_INTERVAL_MS = 100;
 constexpr int64_t MOST_INTERVAL_MS = int64_t{86400} * 1000;
 
 constexpr int DECIMALS = 3;
-
-// 2024-05-01T12:00:00.000Z
-constexpr size_t TIME_SIZE = 32;
-
-// To the upper left corner, and everything gone that is on the screen.
-constexpr const char CLEAR_SCREEN[] = "\033[H\033[2J";
-
-// What one run has said.
-struct run_output {
-    char *out;
-    size_t out_length;
-    char *errors;
-    size_t errors_length;
-    client_exit_status status;
-};
 
 struct watch_settings {
     int64_t interval_ms;
@@ -132,6 +116,8 @@ static client_exit_status run_copied_words(client_session *session, const comman
 static run_output run_once(client_session *session, const command_line *line) {
     run_output output = {};
     client_session one = *session;
+    one.is_watched = true;
+    one.input_taken = "only the first run of a watch would find something there";
     one.out = open_memstream(&output.out, &output.out_length);
     one.errors = open_memstream(&output.errors, &output.errors_length);
     if (!one.out || !one.errors)
@@ -154,88 +140,6 @@ static bool same_output(const run_output *one, const run_output *other) {
     return one->out && other->out && one->status == other->status && one->out_length == other->out_length &&
            one->errors_length == other->errors_length && memcmp(one->out, other->out, one->out_length) == 0 &&
            memcmp(one->errors, other->errors, one->errors_length) == 0;
-}
-
-// --- how it is shown ---
-
-static void format_time(char text[TIME_SIZE]) {
-    timespec now = {};
-    tm parts = {};
-    char seconds[TIME_SIZE];
-    clock_gettime(CLOCK_REALTIME, &now);
-    gmtime_r(&now.tv_sec, &parts);
-    strftime(seconds, sizeof seconds, "%Y-%m-%dT%H:%M:%S", &parts);
-    snprintf(text, TIME_SIZE, "%.19s.%03dZ", seconds, static_cast<int>(now.tv_nsec / 1000000));
-}
-
-// The answer's line with "time" as its first member. What is no JSON object, because the command prints text whatever
-// it is told, becomes the member "text".
-static void print_json_line(FILE *out, const char *time, const char *line, size_t length) {
-    bool is_object = length >= 2 && line[0] == '{' && line[length - 1] == '}';
-    if (is_object) {
-        fprintf(out, "{\"time\":\"%s\"%s", time, length == 2 ? "" : ",");
-        fwrite(line + 1, 1, length - 1, out);
-        putc('\n', out);
-        return;
-    }
-    value *answer = new_object();
-    add_string(answer, "time", time);
-    add_text(answer, "text", line, length);
-    render_json(out, answer);
-    free_value(answer);
-}
-
-static bool all_lines_are_objects(const run_output *output) {
-    bool at_begin = true;
-    for (size_t i = 0; i < output->out_length; i++) {
-        if (at_begin && output->out[i] != '{')
-            return false;
-        at_begin = output->out[i] == '\n';
-    }
-    return output->out_length > 0 && at_begin;
-}
-
-static void print_json(FILE *out, const char *time, const run_output *output) {
-    if (!all_lines_are_objects(output)) {
-        print_json_line(out, time, output->out, output->out_length);
-        return;
-    }
-    const char *end = output->out + output->out_length;
-    for (const char *line = output->out; line < end;) {
-        const char *line_end = static_cast<const char *>(memchr(line, '\n', static_cast<size_t>(end - line)));
-        print_json_line(out, time, line, static_cast<size_t>(line_end - line));
-        line = line_end + 1;
-    }
-}
-
-static bool has_frames(const client_settings *settings) {
-    return settings->format == output_format::TEXT || settings->format == output_format::DUMP;
-}
-
-static void print_heading(client_session *session, const command_line *line, const char *time, bool first) {
-    if (session->settings.terminal)
-        fputs(CLEAR_SCREEN, session->out);
-    else if (!first)
-        putc('\n', session->out);
-    fprintf(session->out, "%s ", time);
-    for (size_t i = 0; i < line->word_count; i++)
-        fprintf(session->out, " %s", line->words[i]);
-    putc('\n', session->out);
-}
-
-static void print_output(client_session *session, const command_line *line, const char *time, const run_output *output,
-                         bool first) {
-    bool unusable = output->status == EXIT_STATUS_USAGE;  // no answer that a frame could be made of
-    if (session->settings.format == output_format::JSON) {
-        print_json(session->out, time, output);
-    } else {
-        if (has_frames(&session->settings) && !unusable)
-            print_heading(session, line, time, first);
-        fwrite(output->out, 1, output->out_length, session->out);
-    }
-    fflush(session->out);
-    fwrite(output->errors, 1, output->errors_length, session->errors);
-    fflush(session->errors);
 }
 
 // --- all runs ---
@@ -308,8 +212,7 @@ client_exit_status run_watch(client_session *session, const command_line *line) 
     watch_settings settings;
     if (!parse_settings(session, line, &settings))
         return complain_of_call(session, EXIT_STATUS_USAGE);
-    // The output of a watch without an end would be gathered for ever.
-    if (strcmp(line->words[0], "watch") == 0)
+    if (session->is_watched)
         return complain(session, EXIT_STATUS_USAGE, "a watch cannot be watched");
     signal_hold hold;
     take_signals(&hold);

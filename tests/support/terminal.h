@@ -1,4 +1,4 @@
-// A program at a terminal of its own, as a person has it: what it prints there, keys that are pressed, how it ends.
+// A program at a terminal of its own, as a person has it: what it prints there, keys that are typed, how it ends.
 #pragma once
 
 #include <sys/types.h>
@@ -7,30 +7,43 @@
 #include <string>
 #include <vector>
 
-class program_at_terminal {
+class Terminal {
 public:
-    explicit program_at_terminal(std::vector<std::string> words);
-    ~program_at_terminal();
-    program_at_terminal(const program_at_terminal &) = delete;
-    program_at_terminal &operator=(const program_at_terminal &) = delete;
+    // Starts the program in a session of its own, with these additions to its environment ("NAME=value").
+    explicit Terminal(const std::vector<std::string> &words, const std::vector<std::string> &environment = {});
+    ~Terminal();
+    Terminal(const Terminal &) = delete;
+    Terminal &operator=(const Terminal &) = delete;
 
-    // Reads until what has been printed is as wanted. False when it has ended, or half a minute has passed.
+    void type(const std::string &keys);
+
+    // Reads until the text is there, behind what was looked for before. False when it does not come in half a minute.
+    bool shows(const std::string &wanted);
+
+    // What stands behind that, for messages.
+    std::string screen() const;
+
+    // Reads until all that has been printed is as wanted. False when it does not come to be in half a minute.
     bool await(const std::function<bool(const std::string &)> &wanted);
 
-    // Presses Ctrl-C and waits for the end. Whether both took less than a second.
+    // Types Ctrl-C and waits for the end. Whether both took less than a second.
     bool interrupt();
 
-    // The end of a program that ends by itself: what waitpid tells.
-    int end();
+    // Waits for the end of the program, half a minute at most: its status.
+    int ends();
+
+    // Whether the terminal is as a program finds it: lines, echo, and signals by Ctrl-C.
+    bool is_cooked() const;
 
     std::string printed;      // by now; lines end as the terminal ends them, with \r\n
-    int status = -1;          // what waitpid tells, when it has ended
+    int status = -1;          // when it has ended: its exit status, or 128 and the number of the signal that ended it
     bool same_modes = false;  // whether the terminal was then set as it was before
+    pid_t pid;
 
 private:
     bool read_some(int timeout_ms);
 
-    pid_t child = -1;
-    int terminal_fd = -1;
+    int fd = -1;
+    size_t looked_at = 0;  // of what has been printed
     std::string modes;
 };

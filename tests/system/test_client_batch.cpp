@@ -30,6 +30,31 @@ TEST_F(ClientBatch, StandardInputIsReadWithAndWithoutAFile) {
     }
 }
 
+TEST_F(ClientBatch, LinesOfStandardInputAreNoDocument) {
+    command_output run = run_command(
+        "printf 'diff -\\n{\"schema\":1}\\ngetSsid 1\\n' | /usr/sbin/vlk_rpc_wlan_config_client batch --keep-going");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.text, "home\n");
+    EXPECT_TRUE(run.errors.starts_with("stdin:1: diff: standard input cannot be read: the lines come from there\n"))
+        << run.errors;
+}
+
+TEST_F(ClientBatch, LinesOfStandardInputMayNameADocument) {
+    write_file("/tmp/document", "{\"schema\":1}");
+    command_output run = run_command("echo diff /tmp/document | /usr/sbin/vlk_rpc_wlan_config_client batch");
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.text, "no changes\n");
+    unlink("/tmp/document");
+}
+
+TEST_F(ClientBatch, LinesOfAFileLeaveStandardInputForADocument) {
+    write_file("/tmp/lines", "diff -\n");
+    command_output run = run_command("echo '{\"schema\":1}' | /usr/sbin/vlk_rpc_wlan_config_client batch /tmp/lines");
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.text, "no changes\n");
+    unlink("/tmp/lines");
+}
+
 TEST_F(ClientBatch, FirstFailureEndsItAndNothingBehindItReachesTheGateway) {
     write_file("/tmp/lines", "setSsid 1 one\nsetChannel 9 6\nsetSsid 1 two\n");
     command_output run = run_command("/usr/sbin/vlk_rpc_wlan_config_client batch /tmp/lines");

@@ -6,8 +6,8 @@
 #include <sstream>
 #include <string>
 
+#include "tests/support/terminal.h"
 #include "tests/system/gateway.h"
-#include "tests/system/terminal.h"
 
 namespace {
 

@@ -209,6 +209,17 @@ TEST_F(ClientMetrics, FileThatCannotBeWrittenIsALocalError) {
     EXPECT_EQ(output.errors, "metrics: cannot write /nowhere/wlan.prom: No such file or directory\n");
 }
 
+TEST_F(ClientMetrics, FileThatIsAPipeIsWrittenToAndStaysOne) {
+    ASSERT_EQ(mkfifo("/tmp/pipe", 0600), 0);
+    command_output output =
+        run_command("timeout 10 cat /tmp/pipe & /usr/sbin/vlk_rpc_wlan_config_client metrics --file /tmp/pipe; wait");
+    EXPECT_TRUE(output.text.ends_with("# EOF\n")) << output.text;
+    struct stat found = {};
+    ASSERT_EQ(lstat("/tmp/pipe", &found), 0);
+    EXPECT_TRUE(S_ISFIFO(found.st_mode));
+    unlink("/tmp/pipe");
+}
+
 TEST_F(ClientMetrics, ServerThatIsAwayIsAMetricToo) {
     fault("address missing");
     command_output text = client("metrics");

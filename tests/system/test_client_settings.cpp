@@ -14,6 +14,7 @@
 #include "client/settings.h"
 #include "config/store.h"
 #include "server/wire.h"
+#include "tests/support/terminal.h"
 #include "tests/system/gateway.h"
 
 namespace {
@@ -22,6 +23,8 @@ using json = nlohmann::json;
 
 constexpr const char DOCUMENT[] = "/tmp/settings.json";
 constexpr const char STATE_FILE[] = "/run/vlk_rpc_wlan_config_client.pending";
+constexpr const char RESTORING_FILE[] = "/run/vlk_rpc_wlan_config_client.restoring";
+constexpr const char LOST_FILE[] = "/run/vlk_rpc_wlan_config_client.lost";
 
 // The VAPs whose settings the tests change: the one whose keys have no suffix, and one of the other radio.
 constexpr int CHANGED_VAPS[] = {1, 12};
@@ -356,6 +359,17 @@ TEST_F(AllSettings, AreExportedForTheirOwnerOnlyAndTheSameLineByLine) {
     EXPECT_EQ(differences, "");
 }
 
+TEST_F(AllSettings, AreExportedIntoTheFileBehindALink) {
+    write_file(DOCUMENT, "older");
+    ASSERT_EQ(symlink(DOCUMENT, "/tmp/link"), 0);
+    EXPECT_EQ(client("export --file /tmp/link").status, 0);
+    EXPECT_EQ(parsed(read_file(DOCUMENT))["schema"], 1);
+    struct stat status = {};
+    ASSERT_EQ(lstat("/tmp/link", &status), 0);
+    EXPECT_TRUE(S_ISLNK(status.st_mode));
+    unlink("/tmp/link");
+}
+
 TEST_F(AllSettings, CannotBeExportedIntoAFolderThatIsNotThere) {
     command_output output = client("export --file /nowhere/settings.json");
     EXPECT_EQ(output.status, 7);
@@ -491,6 +505,15 @@ TEST_F(AllSettings, OfTheDryRunCanBePastedIntoAShell) {
     EXPECT_EQ(store_value("AP_SSID_5"), "\x1b[m\xe9'");
 }
 
+TEST_F(AllSettings, OfTheDryRunNameTheServerAndWhatMayNotBeNeeded) {
+    EXPECT_EQ(set_number(PROC_wlan_set_channel, 1, 6), 0);
+    write_file(DOCUMENT, document_of(R"("radios":{"0":{"standard":"bg","channel":6}})"));
+    // The gateway's own address, written in another way.
+    EXPECT_EQ(client(std::string("apply --dry-run --server 192.168.65278 ") + DOCUMENT).text,
+              "vlk_rpc_wlan_config_client --server 192.168.65278 setStandard 1 bg\n"
+              "vlk_rpc_wlan_config_client --server 192.168.65278 setChannel 1 6  # if a call above has changed it\n");
+}
+
 TEST_F(AllSettings, StopAtTheFirstThatFailsUnlessToldToGoOn) {
     const std::string document = document_of(R"("radios":{"0":{"country_code":"XX"}},"vaps":{"2":{"dtim_period":9}})");
     write_file(DOCUMENT, document);
@@ -525,7 +548,8 @@ TEST_F(AllSettings, ThatTakeEffectLaterAreNoFailure) {
     EXPECT_EQ(apply.status, 0) << apply.text << apply.errors;
     json result = parsed(apply.text)["result"];
     EXPECT_EQ(result["later"][0]["setting"], "bs_bss_enable");
-    EXPECT_EQ(result["changes"].size(), 1u) << "it is set once";
+    EXPECT_EQ(result["changes"].size(), 1u);
+    EXPECT_EQ(written_since(journal_mark), 2) << "it is set once, which are two lines of the store";
     bring_wifi_up();
     EXPECT_EQ(client(std::string("diff ") + DOCUMENT).text, "no changes\n");
 }
@@ -542,14 +566,41 @@ TEST_F(AllSettings, OfAMissingFileAreStatusSevenAndOfABadOneTwo) {
     EXPECT_EQ(written_since(journal_mark), 0);
 }
 
+TEST_F(AllSettings, ThatNoCallHasRoomForAreRefusedBeforeAnyIsSet) {
+    write_file(DOCUMENT,
+               document_of(R"("vaps":{"1":{"dtim_period":7},"2":{"ssid":")" + std::string(9000, 'a') + "\"}}"));
+    for (const char *command : {"diff ", "apply ", "apply --dry-run ", "apply --keep-going "}) {
+        command_output output = client(command + std::string(DOCUMENT));
+        EXPECT_EQ(output.status, 2) << command;
+        EXPECT_NE(output.errors.find(": vap 2 ssid is longer than a call can be (8800 bytes in all)\n"),
+                  std::string::npos)
+            << output.errors;
+    }
+    EXPECT_EQ(written_since(journal_mark), 0);
+}
+
+TEST_F(AllSettings, ThatCannotBeShownBareAreNotSet) {
+    write_file(DOCUMENT, document_of(R"("vaps":{"2":{"dtim_period":7}})"));
+    command_output bare = client(std::string("apply -o value ") + DOCUMENT);
+    EXPECT_EQ(bare.status, 2);
+    EXPECT_EQ(bare.errors, "apply: the result has several values: choose one by its name with --field\n");
+    EXPECT_EQ(written_since(journal_mark), 0);
+    command_output named = client(std::string("apply --field setting ") + DOCUMENT);
+    EXPECT_EQ(named.status, 0) << named.errors;
+    EXPECT_EQ(named.text, "dtim_period\n");
+}
+
 TEST_F(AllSettings, AreReadFromStandardInput) {
+    EXPECT_EQ(client("diff - < /dev/null").errors, "diff: standard input: no JSON at line 1, column 1\n");
+    EXPECT_EQ(client("diff - < /").errors, "diff: cannot read standard input: Is a directory\n");
+
     write_file(DOCUMENT, document_of(R"("vaps":{"2":{"dtim_period":1}})"));
     EXPECT_EQ(client(std::string("diff - < ") + DOCUMENT).text, "no changes\n");
 }
 
 TEST_F(AllSettings, OfABusyServerEndTheCommandWithItsStatus) {
     write_file(DOCUMENT, document_of(R"("vaps":{"2":{"dtim_period":8,"rts_threshold":7}})"));
-    fault("cfg slow 2");
+    fault("cfg slow 1.3");
     EXPECT_EQ(client(std::string("apply --keep-going --timeout 1 ") + DOCUMENT).status, 4);
     fault("cfg off");
     EXPECT_EQ(get_number(PROC_wlan_get_rts_threshold, 2), (number_result{0, 2346})) << "it did not go on";
@@ -631,8 +682,9 @@ TEST_F(UnconfirmedSettings, ArePutBackWhenTheirTimeIsOver) {
     ASSERT_EQ(stat(STATE_FILE, &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600u);
     EXPECT_EQ(parsed(read_file(STATE_FILE))["vaps"]["2"]["dtim_period"], 1);
+    EXPECT_EQ(parsed(read_file(STATE_FILE))["vaps"].size(), 16u) << "all settings, whatever the document has";
     EXPECT_TRUE(wait_for([] { return store_value("AP_DTIM_2") == "1" && store_value("AP_SSID_2").empty(); }));
-    EXPECT_TRUE(wait_for([] { return access("/run/vlk_rpc_wlan_config_client.restoring", F_OK) != 0; }));
+    EXPECT_TRUE(wait_for([] { return access(RESTORING_FILE, F_OK) != 0; }));
     EXPECT_NE(access(STATE_FILE, F_OK), 0);
     command_output late = client("confirm");
     EXPECT_EQ(late.status, 6);
@@ -673,11 +725,97 @@ TEST_F(UnconfirmedSettings, ArePutBackAtOnceWhenTheClientIsKilledMeanwhile) {
     // The client and the process that waits for it have the same words; the parent is the elder.
     EXPECT_EQ(run_command("kill -KILL $(cat /tmp/settings.pid)").status, 0);
     fault("cfg off");
-    EXPECT_TRUE(wait_for([] {
-        return access("/run/vlk_rpc_wlan_config_client.restoring", F_OK) != 0 && access(STATE_FILE, F_OK) != 0;
-    }));
+    EXPECT_TRUE(wait_for([] { return access(RESTORING_FILE, F_OK) != 0 && access(STATE_FILE, F_OK) != 0; }));
     EXPECT_EQ(store_value("AP_SSID_2"), "");
     EXPECT_TRUE(wait_for([] { return store_value("AP_DTIM_2") == "1"; }));
+}
+
+TEST_F(UnconfirmedSettings, ArePutBackAtOnceWhenTheClientIsInterruptedMeanwhile) {
+    fault("cfg slow 0.2");
+    Terminal apply({"/usr/sbin/vlk_rpc_wlan_config_client", "apply", "--confirm-within", "3000", DOCUMENT});
+    EXPECT_TRUE(wait_for([] { return store_value("AP_SSID_2") == "new"; }));
+    EXPECT_TRUE(apply.interrupt());
+    EXPECT_EQ(apply.status, 128 + SIGINT);
+    fault("cfg off");
+    EXPECT_TRUE(wait_for([] { return access(RESTORING_FILE, F_OK) != 0 && access(STATE_FILE, F_OK) != 0; }));
+    EXPECT_EQ(store_value("AP_SSID_2"), "");
+    EXPECT_EQ(store_value("AP_DTIM_2"), "1");
+}
+
+TEST_F(UnconfirmedSettings, ArePutBackWhenTheServerIsThereAgain) {
+    EXPECT_EQ(client(std::string("apply --confirm-within 1 ") + DOCUMENT).status, 0);
+    fault("address missing");
+    EXPECT_TRUE(wait_for([] { return access(RESTORING_FILE, F_OK) == 0; }));
+    command_output late = client("confirm");
+    EXPECT_EQ(late.status, 6);
+    EXPECT_EQ(late.errors, "confirm: too late: the old settings are being put back\n");
+    EXPECT_EQ(client(std::string("apply ") + DOCUMENT).status, 7);
+    usleep(300000);  // longer than an attempt without a server takes
+    EXPECT_EQ(access(RESTORING_FILE, F_OK), 0);
+    fault("address off");
+    EXPECT_TRUE(wait_for([] { return access(RESTORING_FILE, F_OK) != 0; }));
+    EXPECT_EQ(store_value("AP_DTIM_2"), "1");
+    EXPECT_EQ(store_value("AP_SSID_2"), "");
+}
+
+// A channel of the other band, which only the store can give the radio.
+TEST_F(UnconfirmedSettings, OfWhichOneCannotBePutBackAreKeptInAFile) {
+    EXPECT_EQ(run_command("cfg -a AP_PRIMARY_CH=6 && cfg -c").status, 0);
+    write_file(DOCUMENT, document_of(R"("radios":{"1":{"channel":40}},"vaps":{"2":{"dtim_period":5}})"));
+    EXPECT_EQ(client(std::string("apply --confirm-within 1 ") + DOCUMENT).status, 0);
+    ASSERT_TRUE(wait_for([] { return access(LOST_FILE, F_OK) == 0; }));
+    EXPECT_EQ(store_value("AP_DTIM_2"), "1") << "the others are back";
+    EXPECT_EQ(store_value("AP_PRIMARY_CH"), "40");
+    EXPECT_EQ(parsed(read_file(LOST_FILE))["radios"]["1"]["channel"], 6);
+    unlink(LOST_FILE);
+}
+
+TEST_F(UnconfirmedSettings, ThatTakeEffectLaterArePutBackBeforeTheyDo) {
+    write_file(DOCUMENT, document_of(R"("vaps":{"1":{"bs_bss_enable":1}})"));
+    EXPECT_EQ(client(std::string("apply --confirm-within 1 ") + DOCUMENT).status, 0);
+    EXPECT_TRUE(wait_for([] { return access(STATE_FILE, F_OK) != 0 && access(RESTORING_FILE, F_OK) != 0; }));
+    bring_wifi_up();
+    EXPECT_EQ(client(std::string("diff --field then ") + DOCUMENT).text, "1\n") << "it is not set";
+}
+
+TEST_F(UnconfirmedSettings, ThatHaveTakenEffectMeanwhileAreNotTakenForLost) {
+    write_file(DOCUMENT, document_of(R"("vaps":{"1":{"bs_bss_enable":1}})"));
+    EXPECT_EQ(client(std::string("apply --confirm-within 1 ") + DOCUMENT).status, 0);
+    bring_wifi_up();
+    EXPECT_TRUE(wait_for([] { return access(STATE_FILE, F_OK) != 0 && access(RESTORING_FILE, F_OK) != 0; }));
+    EXPECT_NE(access(LOST_FILE, F_OK), 0);
+    bring_wifi_up();
+    EXPECT_EQ(client(std::string("diff --field then ") + DOCUMENT).text, "1\n") << "it is not set";
+}
+
+TEST_F(UnconfirmedSettings, ThatAreLostTakeTheNameOfNoOthers) {
+    write_file(LOST_FILE, "older");
+    write_file((std::string(LOST_FILE) + ".2").c_str(), "old");
+    write_file(STATE_FILE, "{}");  // and nobody has it locked
+    write_file(DOCUMENT, document_of(R"("vaps":{"2":{"dtim_period":1}})"));
+    command_output apply = client(std::string("apply -o json ") + DOCUMENT);
+    EXPECT_EQ(apply.status, 0) << apply.text;
+    EXPECT_EQ(parsed(apply.text)["result"]["lost"], std::string(LOST_FILE) + ".3");
+    EXPECT_EQ(read_file(LOST_FILE), "older");
+    EXPECT_EQ(read_file((std::string(LOST_FILE) + ".2").c_str()), "old");
+    EXPECT_EQ(read_file((std::string(LOST_FILE) + ".3").c_str()), "{}");
+    EXPECT_NE(access(STATE_FILE, F_OK), 0);
+    run_command(std::string("rm ") + LOST_FILE + "*");
+}
+
+TEST_F(UnconfirmedSettings, OfTwoWhoApplyAtOnceAreThoseOfTheFirst) {
+    run_command(std::string("/usr/sbin/vlk_rpc_wlan_config_client apply --confirm-within 30 ") + DOCUMENT +
+                " >/tmp/second.out 2>&1 & echo $! >/tmp/settings.pid");
+    // It reads the settings, and has seen before that nobody waits.
+    EXPECT_TRUE(wait_for([this] { return !lines_since(JOURNAL_FILE, journal_mark).empty(); }));
+    write_file(STATE_FILE, "{}");
+    EXPECT_TRUE(wait_for([] { return !read_file("/tmp/second.out").empty(); }));
+    EXPECT_EQ(read_file("/tmp/second.out"),
+              "apply: changes made before wait to be confirmed: confirm them, or wait until the old settings are "
+              "back\n");
+    EXPECT_EQ(read_file(STATE_FILE), "{}");
+    EXPECT_EQ(store_value("AP_DTIM_2"), "1");
+    unlink(STATE_FILE);
 }
 
 TEST_F(UnconfirmedSettings, ThatChangeNothingNeedNoConfirmation) {
@@ -694,9 +832,9 @@ TEST_F(UnconfirmedSettings, WhoseProcessWasKilledAreKeptInAFile) {
     command_output next = client(std::string("apply ") + DOCUMENT);
     EXPECT_EQ(next.status, 0) << next.errors;
     EXPECT_NE(next.errors.find("are in /run/vlk_rpc_wlan_config_client.lost\n"), std::string::npos) << next.errors;
-    EXPECT_EQ(client("apply /run/vlk_rpc_wlan_config_client.lost").status, 0);
+    EXPECT_EQ(client(std::string("apply ") + LOST_FILE).status, 0);
     EXPECT_EQ(store_value("AP_DTIM_2"), "1");
-    unlink("/run/vlk_rpc_wlan_config_client.lost");
+    unlink(LOST_FILE);
 }
 
 TEST_F(UnconfirmedSettings, TakeOneSecondToAnHour) {

@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <string>
 
+#include "tests/support/terminal.h"
 #include "tests/system/gateway.h"
-#include "tests/system/terminal.h"
 
 namespace {
 
@@ -139,6 +139,35 @@ TEST_F(ClientShell, TabCompletesFileNamesWithBlanks) {
     shell.type("batch /tmp/a\t\r");
     EXPECT_TRUE(shell.shows("\\ batch.txt \r\nhome\r\n")) << shell.screen();
     unlink("/tmp/a batch.txt");
+}
+
+TEST_F(ClientShell, TabCompletesFileNamesWithQuotesInQuotes) {
+    write_file("/tmp/it's.txt", "getSsid 1\n");
+    ShellTerminal shell;
+    shell.type("batch '/tmp/it\t\r");
+    EXPECT_TRUE(shell.shows("'\\''s.txt' \r\nhome\r\n")) << shell.screen();
+    unlink("/tmp/it's.txt");
+}
+
+TEST_F(ClientShell, TabLeavesOutNamesThatNoLineCanHave) {
+    write_file("/tmp/odd\033[2J", "");
+    write_file("/tmp/odd.txt", "getSsid 1\n");
+    ShellTerminal shell;
+    shell.type("batch /tmp/od\t\r");
+    EXPECT_TRUE(shell.shows("d.txt \r\nhome\r\n")) << shell.screen();
+    unlink("/tmp/odd\033[2J");
+    unlink("/tmp/odd.txt");
+}
+
+TEST_F(ClientShell, TabCutsNothingOfALongName) {
+    const std::string folder = "/tmp/long";
+    const std::string inner = folder + "/" + std::string(200, 'a') + "/" + std::string(200, 'b') + "/";
+    std::filesystem::create_directories(inner);
+    write_file((inner + std::string(200, 'c') + ".txt").c_str(), "getSsid 1\n");
+    ShellTerminal shell;
+    shell.type("batch " + inner + "c\t\r");
+    EXPECT_TRUE(shell.shows("\r\nhome\r\n")) << shell.screen();
+    std::filesystem::remove_all(folder);
 }
 
 TEST_F(ClientShell, HistoryIsKeptWithoutSecretsForItsOwnerAlone) {

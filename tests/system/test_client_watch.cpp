@@ -78,11 +78,18 @@ TEST_F(ClientWatch, JsonIsOneLineARunWithTheTimeInFrontOfTheAnswer) {
     EXPECT_LT(lines[0].substr(9, 24), lines[1].substr(9, 24));
 }
 
-TEST_F(ClientWatch, TextThatACommandPrintsAnywayIsTheMemberText) {
-    std::string interface = client("interface").text;
+TEST_F(ClientWatch, DocumentIsInItsResultAsWithoutAWatch) {
     json line = json::parse(client("watch --count 1 -o json interface").text, nullptr, false);
-    EXPECT_EQ(line["text"], interface);
+    line.erase("time");
+    EXPECT_EQ(line, json::parse(client("-o json interface").text, nullptr, false));
+}
+
+TEST_F(ClientWatch, CommandThatPrintsNothingIsALineToo) {
+    write_file("/tmp/lines", "");
+    json line = json::parse(client("watch --count 1 -o json batch /tmp/lines").text, nullptr, false);
+    EXPECT_EQ(line["text"], "");
     EXPECT_EQ(line.size(), 2u);
+    unlink("/tmp/lines");
 }
 
 TEST_F(ClientWatch, BareValuesStandAlone) {
@@ -121,6 +128,27 @@ TEST_F(ClientWatch, WordsThatMakeNoSenseEndItAtOnce) {
     EXPECT_TRUE(watch.errors.find("there is no operation \"getSid\"") != std::string::npos) << watch.errors;
     EXPECT_EQ(client("watch getSsid one").status, 2);
     EXPECT_EQ(client("watch").status, 2);
+}
+
+TEST_F(ClientWatch, WhatHasNoEndOfItsOwnCannotBeWatched) {
+    EXPECT_EQ(client("watch --count 1 watch getSsid 1").errors, "watch: a watch cannot be watched\n");
+    EXPECT_EQ(client("watch --count 1 shell </dev/null").errors, "shell: a shell cannot be watched\n");
+    write_file("/tmp/lines", "watch getSsid 1\n");
+    command_output batch = client("watch --count 1 batch --keep-going /tmp/lines");
+    EXPECT_EQ(batch.status, 2);
+    EXPECT_EQ(batch.errors, "/tmp/lines:1: watch: a watch cannot be watched\n");
+    unlink("/tmp/lines");
+}
+
+TEST_F(ClientWatch, StandardInputIsNotReadByRuns) {
+    for (const char *command : {"diff -", "batch -", "batch"}) {
+        command_output watch = client(std::string("watch --count 2 ") + command + " </dev/null");
+        EXPECT_EQ(watch.status, 2) << command;
+        EXPECT_NE(
+            watch.errors.find("standard input cannot be read: only the first run of a watch would find something"),
+            std::string::npos)
+            << watch.errors;
+    }
 }
 
 TEST_F(ClientWatch, OptionsOfTheCommandStayItsOwnInEachRun) {
@@ -215,15 +243,15 @@ TEST_F(ClientWatch, InterruptIsASuccessAlsoAfterARunThatFailed) {
 constexpr const char CLEAR[] = "\033[H\033[2J";
 
 TEST_F(ClientWatch, TerminalIsClearedBeforeEachAnswer) {
-    program_at_terminal watch({CLIENT, "watch", "--interval", "0.1", "--count", "2", "getSsid", "1"});
-    EXPECT_EQ(watch.end(), 0);
+    Terminal watch({CLIENT, "watch", "--interval", "0.1", "--count", "2", "getSsid", "1"});
+    EXPECT_EQ(watch.ends(), 0);
     std::string frame = std::string(CLEAR) + "TIME  getSsid 1\r\nhome\r\n";
     EXPECT_EQ(timeless(watch.printed), frame + frame);
 }
 
 TEST_F(ClientWatch, TerminalIsNotClearedForPrograms) {
-    program_at_terminal watch({CLIENT, "-o", "value", "watch", "--interval", "0.1", "--count", "2", "getSsid", "1"});
-    EXPECT_EQ(watch.end(), 0);
+    Terminal watch({CLIENT, "-o", "value", "watch", "--interval", "0.1", "--count", "2", "getSsid", "1"});
+    EXPECT_EQ(watch.ends(), 0);
     EXPECT_EQ(watch.printed, "home\r\nhome\r\n");
 }
 
@@ -236,7 +264,7 @@ std::string left_behind(std::string text) {
 }
 
 TEST_F(ClientWatch, InterruptInAPauseEndsItAtOnceWithSuccessAndLeavesNoSequenceBehind) {
-    program_at_terminal watch({CLIENT, "watch", "--interval", "3600", "list", "identity", "--color=always"});
+    Terminal watch({CLIENT, "watch", "--interval", "3600", "list", "identity", "--color=always"});
     ASSERT_TRUE(watch.await([](const std::string &printed) { return printed.find("getSsid") != std::string::npos; }));
     EXPECT_TRUE(watch.interrupt());
     EXPECT_EQ(watch.status, 0);
@@ -246,8 +274,8 @@ TEST_F(ClientWatch, InterruptInAPauseEndsItAtOnceWithSuccessAndLeavesNoSequenceB
 
 TEST_F(ClientWatch, InterruptDuringACallEndsItAtOnceWithSuccess) {
     size_t mark = mark_of(JOURNAL_FILE);
-    fault("iwconfig slow 2");
-    program_at_terminal watch({CLIENT, "watch", "getStatus", "1"});
+    fault("iwconfig slow 1.3");
+    Terminal watch({CLIENT, "watch", "getStatus", "1"});
     for (int i = 0; i < 3000 && commands_since(mark).empty(); i++)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_TRUE(watch.interrupt());
@@ -258,18 +286,17 @@ TEST_F(ClientWatch, InterruptDuringACallEndsItAtOnceWithSuccess) {
 
 TEST_F(ClientWatch, WithoutAWatchTooACallIsInterruptedAtOnce) {
     size_t mark = mark_of(JOURNAL_FILE);
-    fault("iwconfig slow 2");
-    program_at_terminal getter({CLIENT, "getStatus", "1"});
+    fault("iwconfig slow 1.3");
+    Terminal getter({CLIENT, "getStatus", "1"});
     for (int i = 0; i < 3000 && commands_since(mark).empty(); i++)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_TRUE(getter.interrupt());
-    EXPECT_TRUE(WIFSIGNALED(getter.status));
+    EXPECT_EQ(getter.status, 128 + SIGINT);
 }
 
 TEST_F(ClientWatch, InterruptsAtAnyMomentLeaveOnlyWholeFrames) {
     for (int delay : {30, 110, 160, 230}) {
-        program_at_terminal watch(
-            {CLIENT, "watch", "--interval", "0.1", "--color=always", "getAssocDevicesTable", "1"});
+        Terminal watch({CLIENT, "watch", "--interval", "0.1", "--color=always", "getAssocDevicesTable", "1"});
         ASSERT_TRUE(watch.await([](const std::string &printed) { return !printed.empty(); }));
         std::this_thread::sleep_for(std::chrono::milliseconds(delay));
         EXPECT_TRUE(watch.interrupt());

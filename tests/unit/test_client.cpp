@@ -747,8 +747,7 @@ TEST(ClientProgram, WordsThatAreNoCommandLineAreUsage) {
 
 TEST(ClientProgram, OptionsOfCommandsHaveToMakeSense) {
     for (const auto &[words, line] : std::vector<std::pair<std::vector<std::string>, std::string>>{
-             {{"scan", "one"},
-              "scan: VAP is \"one\", but has to be a VAP index: a number, 1 to 16 for the VAPs there are\n"},
+             {{"scan", "one"}, "scan: VAP is \"one\", but has to be a number from 1 to 16\n"},
              {{"scan", "1", "--wait", "0"},
               "scan: --wait is \"0\", but has to be a number of seconds from 1 to 3600\n"},
              {{"scan", "1", "--wait", "-3"},

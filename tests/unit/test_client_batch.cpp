@@ -155,6 +155,8 @@ TEST_F(ClientBatch, BatchWithinABatchIsRefused) {
         EXPECT_EQ(outcome.status, 2) << line;
         EXPECT_TRUE(outcome.errors.starts_with("/tmp/batch.txt:1: ")) << outcome.errors;
     }
+    for (const char *line : {"batch other.txt", "batch"})
+        EXPECT_TRUE(batch(line).errors.starts_with("/tmp/batch.txt:1: batch: a batch within a batch is refused\n"));
 }
 
 TEST_F(ClientBatch, FileThatIsNoTextIsALocalError) {

@@ -134,6 +134,19 @@ TEST_F(Gathering, VapsAreNeverMoreThanTheAddressingHas) {
     EXPECT_EQ(gather_vap_count(&from), 0);
 }
 
+TEST_F(Gathering, RadiosAreThoseThatHaveAVap) {
+    server.answer_with(failure_answer());
+    value *vaps = new_list();
+    for (auto [vap_count, radios] : {std::pair{0, 0u}, {1, 1u}, {8, 1u}, {9, 2u}, {16, 2u}}) {
+        value *list = gather_radios(&from, vap_count, vaps,
+                                    [](gathering *, value *to, int first_vap) { add_number(to, "more", first_vap); });
+        EXPECT_EQ(count_values(list), radios) << vap_count;
+        EXPECT_TRUE(radios < 2 || find_member(list->last, "more")->number == 9);
+        free_value(list);
+    }
+    free_value(vaps);
+}
+
 TEST_F(Gathering, SecurityFollowsTheWpaAuthenticationModes) {
     for (auto [told, word] : {std::pair{"WPAPSK", "WPA-PSK"},
                               {"WPA2PSK", "WPA2-PSK"},

@@ -63,6 +63,19 @@ TEST(ClientSession, SeveralValuesWithoutAFieldAreUsage) {
     EXPECT_EQ(test.errors(), "status: the result has 2 values: choose one by its name with --field\n");
 }
 
+TEST(ClientSession, WhetherSeveralValuesCanBeShownIsKnownBeforeThereAreAny) {
+    TestSession test(output_format::VALUE);
+    test.session.speaker = "apply";
+    EXPECT_FALSE(can_show_many(&test.session));
+    EXPECT_EQ(test.errors(), "apply: the result has several values: choose one by its name with --field\n");
+    test.session.settings.field = "setting";
+    EXPECT_TRUE(can_show_many(&test.session));
+    for (output_format format : {output_format::TEXT, output_format::JSON, output_format::DUMP}) {
+        TestSession other(format);
+        EXPECT_TRUE(can_show_many(&other.session));
+    }
+}
+
 TEST(ClientSession, FieldThatIsNotThereIsNotFound) {
     TestSession test(output_format::VALUE);
     test.session.speaker = "status";

@@ -17,6 +17,7 @@
 #include "client/setting_lists.h"
 #include "client/settings_document.h"
 #include "server/wire.h"
+#include "tests/support/client_runs.h"
 
 namespace {
 
@@ -449,6 +450,28 @@ TEST(ClientChanges, OfAPureStandardStayInTheBandOfTheChannel) {
 TEST(ClientChanges, OfTextsThatAShellSeesAreEscaped) {
     EXPECT_EQ(calls_between(R"("vaps":{})", R"("vaps":{"1":{"acct_server_key":"a\"b`c\\d$e'f","key_passphrase":"$"}})"),
               (strings{"setKeyPassphrase 1 1 $", "setAcctServerKey 1 a\\\"b\\`c\\\\d\\$e'f"}));
+}
+
+// What is said about calls from nothing to this document that are too long, "" for nothing.
+std::string too_long(const std::string &then) {
+    TestSession test;
+    settings_tree before(R"("vaps":{})"), after(then);
+    change_list changes = find_changes(before.root, after.root);
+    bool fits = check_sizes(&test.session, &changes);
+    free_changes(&changes);
+    EXPECT_EQ(fits, *test.session.problem == '\0');
+    return test.session.problem;
+}
+
+TEST(ClientChanges, ThatNoCallHasRoomForAreKnownBeforeTheFirstIsMade) {
+    // 8800 bytes with the call's 40, the index and the length of the text.
+    constexpr size_t most = 8800 - 40 - 4 - 4;
+    auto ssid = [](size_t length) { return R"("vaps":{"1":{"ssid":")" + std::string(length, 'a') + "\"}}"; };
+    auto key = [](size_t length) { return R"("vaps":{"3":{"acct_server_key":")" + std::string(length, '$') + "\"}}"; };
+    EXPECT_EQ(too_long(ssid(most)), "");
+    EXPECT_EQ(too_long(ssid(most + 1)), "vap 1 ssid is longer than a call can be (8800 bytes in all)");
+    EXPECT_EQ(too_long(key(most / 2)), "");
+    EXPECT_EQ(too_long(key(most / 2 + 1)), "vap 3 acct_server_key is longer than a call can be (8800 bytes in all)");
 }
 
 TEST(ClientChanges, TakeAnMcsOfOneForAutomatic) {
