@@ -17,7 +17,8 @@ client_exit_status complain_of_word(client_session *session, client_exit_status 
             consider(&found, word, command_rows[i].name);
     consider_operations(&found, word);
     char problem[PROBLEM_SIZE];
-    snprintf(problem, sizeof problem, "there is no operation \"%.64s\"", word);
+    snprintf(problem, sizeof problem, "there is no %s \"%.64s\"", commands_too ? "command or operation" : "operation",
+             word);
     complain_with_suggestions(session, status, problem, &found);
     remark(session, "Try: %s list\n", PROGRAM_NAME);
     return status;

@@ -85,10 +85,6 @@ static client_exit_status write_file(client_session *session, const char *path, 
     return complain(session, EXIT_STATUS_LOCAL, "cannot write %.256s: %m", path);
 }
 
-static bool is_for_people(output_format format) {
-    return format == output_format::TEXT || format == output_format::DUMP;
-}
-
 // Frees the facts.
 static client_exit_status complain_of_server(client_session *session, client_exit_status status, value *facts) {
     value *answer = new_answer(session);
@@ -105,7 +101,7 @@ client_exit_status run_metrics(client_session *session, const command_line *line
         free_value(facts);
         return written;
     }
-    bool is_text = is_for_people(session->settings.format);
+    bool is_text = speaks_to_people(session);
     if (is_text && !path)
         print_open_metrics(session->out, facts);
     if (from.status != EXIT_STATUS_SUCCESS)

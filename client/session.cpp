@@ -6,6 +6,7 @@
 #include "client/help.h"
 #include "client/render.h"
 #include "client/suggest.h"
+#include "client/utf8.h"
 
 value *new_answer(const client_session *session) {
     value *answer = new_object();
@@ -112,7 +113,8 @@ client_exit_status complain_in(client_session *session, value *answer, client_ex
         fflush(session->out);
     } else {
         print_speaker(session);
-        fprintf(session->errors, "%s\n", problem);
+        print_visible(session->errors, problem);  // it may quote a file, a name of a network, a word
+        putc('\n', session->errors);
     }
     free_value(answer);
     return status;

@@ -100,13 +100,10 @@ client_exit_status complain_with_suggestions(client_session *session, client_exi
         return complain(session, status, "%s", problem);
     value *answer = new_answer(session);
     value *meant = add_list(answer, "suggestions");
-    char text[PROBLEM_SIZE + SUGGESTIONS_MAX * (SUGGESTION_SIZE + sizeof "\nDid you mean ?")];
-    int length = snprintf(text, sizeof text, "%s", problem);
-    for (size_t i = 0; i < found->count; i++) {
+    for (size_t i = 0; i < found->count; i++)
         add_string(meant, nullptr, found->words[i]);
-        length += snprintf(text + length, sizeof text - static_cast<size_t>(length), "%s%s%s",
-                           i == 0 ? "\nDid you mean " : ", ", found->words[i], i + 1 == found->count ? "?" : "");
-    }
-    bool for_programs = session->settings.format == output_format::JSON;
-    return complain_in(session, answer, status, for_programs ? problem : text);
+    complain_in(session, answer, status, problem);
+    for (size_t i = 0; i < found->count; i++)
+        remark(session, "%s%s%s", i == 0 ? "Did you mean " : ", ", found->words[i], i + 1 == found->count ? "?\n" : "");
+    return status;
 }

@@ -1,6 +1,7 @@
 #include "client/utf8.h"
 
 #include <stdint.h>
+#include <string.h>
 
 // How many bytes follow a lead byte, the smallest number that needs as many, and how such a lead byte looks.
 struct utf8_form {
@@ -63,4 +64,17 @@ bool is_control_character(const char *text, size_t length) {
     size_t used;
     uint32_t number = decode(text, length, &used);
     return used > 0 && (number < 0x20 || (number >= 0x7f && number < 0xa0));
+}
+
+void print_visible(FILE *out, const char *text) {
+    size_t used;
+    for (size_t left = strlen(text); left > 0; text += used, left -= used) {
+        used = utf8_length(text, left);
+        bool visible = used > 0 && !is_control_character(text, left);
+        used = used ? used : 1;
+        if (visible)
+            fwrite(text, 1, used, out);
+        for (size_t i = 0; !visible && i < used; i++)
+            fprintf(out, "\\x%02x", static_cast<unsigned char>(text[i]));
+    }
 }

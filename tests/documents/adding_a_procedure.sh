@@ -17,7 +17,6 @@ build() {
 cmake -S . -B "$folder/build" -G Ninja -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_FLAGS=-O0 -DWLAN_BUILD_TESTS=OFF \
     -DWLAN_BUILD_SIMULATOR=OFF -DWLAN_CLIENT_TABLES=OFF -DWLAN_CLIENT_SHELL=OFF -DWLAN_CLIENT_DOCUMENTS=OFF >"$folder/log"
 touch "$folder/stamp"
-build
 awk -v folder="$folder" '
     /^```diff$/ { name = sprintf("%s/step%02d", folder, ++steps); inside = 1; next }
     /^```/ { inside = 0 }

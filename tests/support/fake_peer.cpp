@@ -16,6 +16,10 @@ std::string accepted(uint32_t accept_status, const std::string &result) {
     return word_bytes(1) + word_bytes(0) + word_bytes(0) + word_bytes(0) + word_bytes(accept_status) + result;
 }
 
+std::string success(const std::string &result) {
+    return accepted(0, result);
+}
+
 FakePeer::FakePeer() {
     sockaddr_in address = {};
     socklen_t size = sizeof address;

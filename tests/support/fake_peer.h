@@ -14,6 +14,7 @@ std::string word_bytes(uint32_t word);
 // An accepted answer as it stands behind its xid: a status of the RPC layer (0 success, 3 unavailable, 4 garbage
 // arguments, 5 system error) and the result. Without credentials.
 std::string accepted(uint32_t accept_status, const std::string &result);
+std::string success(const std::string &result);
 
 // Answers every datagram with its xid and what the test wants behind that; not at all while that is empty.
 class FakePeer {

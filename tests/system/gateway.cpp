@@ -213,6 +213,10 @@ command_output run_command(const std::string &command) {
     return output;
 }
 
+command_output client(const std::string &words) {
+    return run_command(std::string(CLIENT_PROGRAM) + " " + words);
+}
+
 void set_debug(bool on) {
     if (on)
         write_file(DEBUG_SWITCH_FILE, "");

@@ -102,6 +102,10 @@ struct command_output {
 };
 command_output run_command(const std::string &command);
 
+// The client, and what it says to these words of a shell.
+constexpr const char CLIENT_PROGRAM[] = "/usr/sbin/vlk_rpc_wlan_config_client";
+command_output client(const std::string &words);
+
 // A test that looks at what the server runs and prints.
 class WatchedGateway : public testing::Test {
 protected:

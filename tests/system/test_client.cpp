@@ -6,12 +6,6 @@
 
 namespace {
 
-constexpr const char CLIENT[] = "/usr/sbin/vlk_rpc_wlan_config_client ";
-
-command_output client(const std::string &words) {
-    return run_command(CLIENT + words);
-}
-
 class Client : public testing::Test {
 protected:
     void SetUp() override {
@@ -76,7 +70,7 @@ TEST_F(Client, OutputThatCannotBeWrittenIsStatusSeven) {
 
 // As any tool: the signal ends it where it is not ignored, and is an error that is said where it is.
 TEST_F(Client, ReaderThatGoesAwayEndsItByTheSignalOrWithStatusSeven) {
-    std::string reference = std::string("(") + CLIENT + "reference; echo $? >&2) | true";
+    std::string reference = std::string("(") + CLIENT_PROGRAM + " reference; echo $? >&2) | true";
     EXPECT_EQ(run_command(reference).errors, "141\n");
     EXPECT_EQ(run_command("trap '' PIPE; " + reference).errors,
               "vlk_rpc_wlan_config_client: cannot write the output: Broken pipe\n7\n");

@@ -16,10 +16,6 @@ namespace {
 
 using json = nlohmann::json;
 
-command_output client(const std::string &words) {
-    return run_command("/usr/sbin/vlk_rpc_wlan_config_client " + words);
-}
-
 bool is_loaded() {
     return read_file("/run/gateway/driver").starts_with("loaded\n");
 }

@@ -15,12 +15,8 @@ using nlohmann::json;
 
 constexpr const char METRICS_FILE[] = "/tmp/wlan.prom";
 
-command_output client(const std::string &words) {
-    return run_command("/usr/sbin/vlk_rpc_wlan_config_client " + words);
-}
-
 // What the parser makes of a text.
-json parsed(const std::string &text) {
+json read_metrics(const std::string &text) {
     write_file("/tmp/metrics.txt", text);
     command_output output = run_command("/usr/bin/python3 " WLAN_OPEN_METRICS_PARSER " /tmp/metrics.txt");
     EXPECT_EQ(output.status, 0) << output.errors << text;
@@ -56,7 +52,7 @@ protected:
         command_output output = client("metrics");
         EXPECT_EQ(output.status, 0) << output.errors;
         EXPECT_TRUE(output.text.ends_with("\n# EOF\n"));
-        return parsed(output.text);
+        return read_metrics(output.text);
     }
 };
 
@@ -196,7 +192,7 @@ TEST_F(ClientMetrics, FileGetsTheTextAndIsReadableForAll) {
     command_output output = client(std::string("metrics --file ") + METRICS_FILE);
     EXPECT_EQ(output.status, 0) << output.errors;
     EXPECT_EQ(output.text, "");
-    EXPECT_EQ(samples_of(parsed(read_file(METRICS_FILE)), "wlan_config_up"), json::parse("[[{},1]]"));
+    EXPECT_EQ(samples_of(read_metrics(read_file(METRICS_FILE)), "wlan_config_up"), json::parse("[[{},1]]"));
     struct stat status;
     ASSERT_EQ(stat(METRICS_FILE, &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0644u);
@@ -241,7 +237,7 @@ TEST_F(ClientMetrics, ServerThatIsAwayIsAMetricToo) {
     EXPECT_EQ(document.status, 3);
     EXPECT_EQ(answer["result"], json::parse(R"({"up":false})")) << document.text;
     EXPECT_EQ(answer["error"]["kind"], "no-answer");
-    EXPECT_EQ(samples_of(parsed(text.text), "wlan_config_up"), json::parse("[[{},0]]"));
+    EXPECT_EQ(samples_of(read_metrics(text.text), "wlan_config_up"), json::parse("[[{},0]]"));
 }
 
 TEST_F(ClientMetrics, ServerThatIsSlowInTheMiddleIsNoGatewayWithHalfItsVaps) {

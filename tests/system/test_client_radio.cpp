@@ -11,10 +11,6 @@ namespace {
 
 using nlohmann::json;
 
-command_output client(const std::string &words) {
-    return run_command("/usr/sbin/vlk_rpc_wlan_config_client " + words);
-}
-
 // What a collector measures, as it answers: utilisation, activity, busy, noise (maximum, minimum, median, average),
 // retries, packets sent and received, 37 entries.
 using measurement = std::vector<int32_t>;

@@ -18,12 +18,6 @@ namespace {
 using json = nlohmann::json;
 using std::chrono::steady_clock;
 
-constexpr const char CLIENT[] = "/usr/sbin/vlk_rpc_wlan_config_client";
-
-command_output client(const std::string &words) {
-    return run_command(std::string(CLIENT) + " " + words);
-}
-
 double seconds_since(steady_clock::time_point begin) {
     return std::chrono::duration<double>(steady_clock::now() - begin).count();
 }
@@ -60,7 +54,7 @@ protected:
     }
 };
 
-json parsed(const std::string &text) {
+json answer_in(const std::string &text) {
     return json::parse(text, nullptr, false);
 }
 
@@ -89,7 +83,7 @@ TEST_F(ClientScan, CachedShowsTheListThatIsThereAndBeginsNothing) {
 
 TEST_F(ClientScan, ProgramsGetEveryFieldOfTheRecordUnderItsName) {
     survey(STREET);
-    json result = parsed(client("-o json scan 1 --cached").text)["result"];
+    json result = answer_in(client("-o json scan 1 --cached").text)["result"];
     json networks = result["networks"];
     ASSERT_EQ(networks.size(), 3u);
     EXPECT_EQ(networks[0]["bssid"], "9c:3d:cf:0a:0b:0c");
@@ -105,7 +99,7 @@ TEST_F(ClientScan, ProgramsGetEveryFieldOfTheRecordUnderItsName) {
 
 TEST_F(ClientScan, AgeIsKnownToWhoeverSurveyed) {
     set_items(STREET);
-    json answer = parsed(client("-o json scan 1").text);
+    json answer = answer_in(client("-o json scan 1").text);
     EXPECT_EQ(answer["command"], "scan");
     EXPECT_EQ(answer["result"]["age"], 0);
     EXPECT_EQ(answer["result"]["complete"], true);
@@ -116,7 +110,7 @@ TEST_F(ClientScan, NoNetworkIsASuccessWithAnEmptyList) {
     command_output scan = client("scan 1 --cached");
     EXPECT_EQ(scan.status, 0);
     EXPECT_EQ(scan.text, "no networks; surveyed earlier; when, the gateway does not tell\n");
-    json result = parsed(client("-o json scan 1 --cached").text)["result"];
+    json result = answer_in(client("-o json scan 1 --cached").text)["result"];
     EXPECT_EQ(result["networks"], json::array());
     EXPECT_EQ(result["found"], 0);
 }
@@ -126,7 +120,7 @@ TEST_F(ClientScan, NetworksThatAnAnswerHasNoRoomForAreCounted) {
     for (auto [told, shown, hidden] :
          {std::tuple{"64", 64, 0}, {"65", 64, 1}, {"300", 44, 256}, {"256", 0, 256}, {"-1", 0, 0}}) {
         fault(std::string("scan_count ") + told);
-        json result = parsed(client("-o json scan 1 --cached").text)["result"];
+        json result = answer_in(client("-o json scan 1 --cached").text)["result"];
         EXPECT_EQ(result["found"], std::stoi(told));
         EXPECT_EQ(result["networks"].size(), static_cast<size_t>(shown)) << told;
         EXPECT_EQ(result["not_shown"], hidden) << told;
@@ -156,7 +150,7 @@ TEST_F(ClientScan, ListOfASurveyThatRunsIsNotCalledComplete) {
     fault("scan_status 1");
     std::string text = client("scan 1 --cached").text;
     EXPECT_TRUE(text.ends_with("\n3 networks; survey not complete, or none made (state 1)\n")) << text;
-    EXPECT_EQ(parsed(client("-o json scan 1 --cached").text)["result"]["complete"], false);
+    EXPECT_EQ(answer_in(client("-o json scan 1 --cached").text)["result"]["complete"], false);
 }
 
 TEST_F(ClientScan, SurveyThatRunsAlreadyIsWaitedFor) {
@@ -175,7 +169,7 @@ TEST_F(ClientScan, SurveyThatIsNotCompleteInTimeIsStatusFour) {
     EXPECT_LT(seconds_since(begun), 4.0);
     EXPECT_GE(seconds_since(begun), 1.0);
     EXPECT_EQ(scan.status, 4);
-    json error = parsed(scan.text)["error"];
+    json error = answer_in(scan.text)["error"];
     EXPECT_EQ(error["kind"], "timed-out");
     EXPECT_EQ(error["message"], "the survey is not complete after 1 s; what has been found by now: scan 1 --cached");
 }
@@ -257,7 +251,7 @@ TEST_F(ClientScan, ServerThatIsBusyForTooLongIsNotWaitedForBeyondTheLimit) {
 
 TEST_F(ClientScan, ProgressAtATerminalIsOneLineThatIsWipedAway) {
     set_items("", "0");
-    Terminal scan({CLIENT, "scan", "1"});
+    Terminal scan({CLIENT_PROGRAM, "scan", "1"});
     ASSERT_EQ(scan.ends(), 0);
     const std::string begin = "\rsurveying all channels of VAP 1: 0 s ";
     EXPECT_TRUE(scan.printed.starts_with(begin)) << scan.printed;
@@ -267,7 +261,7 @@ TEST_F(ClientScan, ProgressAtATerminalIsOneLineThatIsWipedAway) {
 
 TEST_F(ClientScan, InterruptEndsItAtOnceAndLeavesTheTerminalAsItWas) {
     set_items(STREET, "60");
-    Terminal scan({CLIENT, "scan", "1"});
+    Terminal scan({CLIENT_PROGRAM, "scan", "1"});
     ASSERT_TRUE(scan.await([](const std::string &printed) { return printed.find(": 1 s") != std::string::npos; }));
     EXPECT_TRUE(scan.interrupt());
     EXPECT_EQ(scan.status, 128 + SIGINT);

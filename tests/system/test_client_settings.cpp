@@ -29,10 +29,6 @@ constexpr const char LOST_FILE[] = "/run/vlk_rpc_wlan_config_client.lost";
 // The VAPs whose settings the tests change: the one whose keys have no suffix, and one of the other radio.
 constexpr int CHANGED_VAPS[] = {1, 12};
 
-command_output client(const std::string &words) {
-    return run_command("/usr/sbin/vlk_rpc_wlan_config_client " + words);
-}
-
 json parsed(const std::string &text) {
     json document = json::parse(text, nullptr, false);
     EXPECT_FALSE(document.is_discarded()) << text;

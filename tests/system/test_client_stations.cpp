@@ -11,10 +11,6 @@ namespace {
 
 using nlohmann::json;
 
-command_output client(const std::string &words) {
-    return run_command("/usr/sbin/vlk_rpc_wlan_config_client " + words);
-}
-
 json stations_for(const std::string &words) {
     command_output output = client(words + " -o json");
     EXPECT_EQ(output.status, 0) << output.errors;

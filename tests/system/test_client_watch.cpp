@@ -18,12 +18,6 @@ namespace {
 
 using json = nlohmann::json;
 
-constexpr const char CLIENT[] = "/usr/sbin/vlk_rpc_wlan_config_client";
-
-command_output client(const std::string &words) {
-    return run_command(std::string(CLIENT) + " " + words);
-}
-
 // The text with every time in it written TIME.
 std::string timeless(const std::string &text) {
     static const std::regex time("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}Z");
@@ -38,7 +32,7 @@ strings lines_of(const std::string &text) {
     return lines;
 }
 
-size_t count_of(const std::string &text, const std::string &piece) {
+size_t times_in(const std::string &text, const std::string &piece) {
     size_t count = 0;
     for (size_t at = 0; (at = text.find(piece, at)) != std::string::npos; at += piece.size())
         count++;
@@ -125,7 +119,7 @@ TEST_F(ClientWatch, WordsThatMakeNoSenseEndItAtOnce) {
     command_output watch = client("watch getSid 1");
     EXPECT_EQ(watch.status, 2);
     EXPECT_EQ(watch.text, "");
-    EXPECT_TRUE(watch.errors.find("there is no operation \"getSid\"") != std::string::npos) << watch.errors;
+    EXPECT_TRUE(watch.errors.find("there is no command or operation \"getSid\"") != std::string::npos) << watch.errors;
     EXPECT_EQ(client("watch getSsid one").status, 2);
     EXPECT_EQ(client("watch").status, 2);
 }
@@ -172,7 +166,8 @@ public:
         child = fork();
         if (child == 0) {
             signal(SIGINT, SIG_DFL);  // whoever runs the tests in the background ignores it
-            execl("/bin/sh", "sh", "-c", ("exec " + std::string(CLIENT) + " " + words + " > " + FILE).c_str(), nullptr);
+            execl("/bin/sh", "sh", "-c", ("exec " + std::string(CLIENT_PROGRAM) + " " + words + " > " + FILE).c_str(),
+                  nullptr);
             _exit(127);
         }
     }
@@ -185,7 +180,7 @@ public:
 
     bool await(const std::string &piece, size_t count) const {
         for (int i = 0; i < 3000; i++) {
-            if (count_of(read_file(FILE), piece) >= count)
+            if (times_in(read_file(FILE), piece) >= count)
                 return true;
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
@@ -243,14 +238,14 @@ TEST_F(ClientWatch, InterruptIsASuccessAlsoAfterARunThatFailed) {
 constexpr const char CLEAR[] = "\033[H\033[2J";
 
 TEST_F(ClientWatch, TerminalIsClearedBeforeEachAnswer) {
-    Terminal watch({CLIENT, "watch", "--interval", "0.1", "--count", "2", "getSsid", "1"});
+    Terminal watch({CLIENT_PROGRAM, "watch", "--interval", "0.1", "--count", "2", "getSsid", "1"});
     EXPECT_EQ(watch.ends(), 0);
     std::string frame = std::string(CLEAR) + "TIME  getSsid 1\r\nhome\r\n";
     EXPECT_EQ(timeless(watch.printed), frame + frame);
 }
 
 TEST_F(ClientWatch, TerminalIsNotClearedForPrograms) {
-    Terminal watch({CLIENT, "-o", "value", "watch", "--interval", "0.1", "--count", "2", "getSsid", "1"});
+    Terminal watch({CLIENT_PROGRAM, "-o", "value", "watch", "--interval", "0.1", "--count", "2", "getSsid", "1"});
     EXPECT_EQ(watch.ends(), 0);
     EXPECT_EQ(watch.printed, "home\r\nhome\r\n");
 }
@@ -264,7 +259,7 @@ std::string left_behind(std::string text) {
 }
 
 TEST_F(ClientWatch, InterruptInAPauseEndsItAtOnceWithSuccessAndLeavesNoSequenceBehind) {
-    Terminal watch({CLIENT, "watch", "--interval", "3600", "list", "identity", "--color=always"});
+    Terminal watch({CLIENT_PROGRAM, "watch", "--interval", "3600", "list", "identity", "--color=always"});
     ASSERT_TRUE(watch.await([](const std::string &printed) { return printed.find("getSsid") != std::string::npos; }));
     EXPECT_TRUE(watch.interrupt());
     EXPECT_EQ(watch.status, 0);
@@ -275,7 +270,7 @@ TEST_F(ClientWatch, InterruptInAPauseEndsItAtOnceWithSuccessAndLeavesNoSequenceB
 TEST_F(ClientWatch, InterruptDuringACallEndsItAtOnceWithSuccess) {
     size_t mark = mark_of(JOURNAL_FILE);
     fault("iwconfig slow 1.3");
-    Terminal watch({CLIENT, "watch", "getStatus", "1"});
+    Terminal watch({CLIENT_PROGRAM, "watch", "getStatus", "1"});
     for (int i = 0; i < 3000 && commands_since(mark).empty(); i++)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_TRUE(watch.interrupt());
@@ -287,7 +282,7 @@ TEST_F(ClientWatch, InterruptDuringACallEndsItAtOnceWithSuccess) {
 TEST_F(ClientWatch, WithoutAWatchTooACallIsInterruptedAtOnce) {
     size_t mark = mark_of(JOURNAL_FILE);
     fault("iwconfig slow 1.3");
-    Terminal getter({CLIENT, "getStatus", "1"});
+    Terminal getter({CLIENT_PROGRAM, "getStatus", "1"});
     for (int i = 0; i < 3000 && commands_since(mark).empty(); i++)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_TRUE(getter.interrupt());
@@ -296,7 +291,7 @@ TEST_F(ClientWatch, WithoutAWatchTooACallIsInterruptedAtOnce) {
 
 TEST_F(ClientWatch, InterruptsAtAnyMomentLeaveOnlyWholeFrames) {
     for (int delay : {30, 110, 160, 230}) {
-        Terminal watch({CLIENT, "watch", "--interval", "0.1", "--color=always", "getAssocDevicesTable", "1"});
+        Terminal watch({CLIENT_PROGRAM, "watch", "--interval", "0.1", "--color=always", "getAssocDevicesTable", "1"});
         ASSERT_TRUE(watch.await([](const std::string &printed) { return !printed.empty(); }));
         std::this_thread::sleep_for(std::chrono::milliseconds(delay));
         EXPECT_TRUE(watch.interrupt());

@@ -713,7 +713,7 @@ TEST(ClientProgram, UnknownOperationIsUsageWithSuggestions) {
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.out, "");
     EXPECT_TRUE(
-        outcome.errors.starts_with("vlk_rpc_wlan_config_client: there is no operation \"getSid\"\n"
+        outcome.errors.starts_with("vlk_rpc_wlan_config_client: there is no command or operation \"getSid\"\n"
                                    "Did you mean getSsid, "))
         << outcome.errors;
 }

@@ -18,15 +18,6 @@ namespace {
 
 constexpr const char FILE_NAME[] = "/tmp/batch.txt";
 
-std::string word_bytes(uint32_t word) {
-    word = htonl(word);
-    return std::string(reinterpret_cast<char *>(&word), sizeof word);
-}
-
-std::string success(const std::string &result) {
-    return word_bytes(1) + word_bytes(0) + word_bytes(0) + word_bytes(0) + word_bytes(0) + result;
-}
-
 class ClientBatch : public testing::Test {
 protected:
     void SetUp() override {
@@ -101,7 +92,7 @@ TEST_F(ClientBatch, KeepGoingCarriesOutTheRestAndEndsWithTheFirstFailure) {
     run_outcome outcome = batch("xylophone\ndescribe xylophone\nsetSsid 1 c\n", {"batch", "--keep-going", FILE_NAME});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.out, "ok\n");
-    EXPECT_TRUE(outcome.errors.starts_with("/tmp/batch.txt:1: there is no operation \"xylophone\"\n"))
+    EXPECT_TRUE(outcome.errors.starts_with("/tmp/batch.txt:1: there is no command or operation \"xylophone\"\n"))
         << outcome.errors;
     EXPECT_NE(outcome.errors.find("\n/tmp/batch.txt:2: describe: there is no operation \"xylophone\"\n"),
               std::string::npos)
@@ -135,7 +126,7 @@ TEST_F(ClientBatch, JsonIsOneObjectALineWithItsNumber) {
     EXPECT_EQ(objects[1]["line"], 3);
     EXPECT_EQ(objects[1]["operation"], "getSsid");
     EXPECT_EQ(objects[1]["error"]["kind"], "usage");
-    EXPECT_EQ(objects[2]["error"]["message"], "there is no operation \"xylophone\"");
+    EXPECT_EQ(objects[2]["error"]["message"], "there is no command or operation \"xylophone\"");
     EXPECT_EQ(objects[3]["line"], 5);
     EXPECT_EQ(objects[3]["error"]["message"], "the quote ' in column 1 has no end");
     EXPECT_EQ(objects[4]["line"], 6);

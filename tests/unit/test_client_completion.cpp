@@ -21,15 +21,6 @@ namespace {
 
 using strings = std::vector<std::string>;
 
-std::string word_bytes(uint32_t word) {
-    word = htonl(word);
-    return std::string(reinterpret_cast<char *>(&word), sizeof word);
-}
-
-std::string success(const std::string &result) {
-    return word_bytes(1) + word_bytes(0) + word_bytes(0) + word_bytes(0) + word_bytes(0) + result;
-}
-
 std::string ssid_answer(std::string ssid) {
     ssid += '\0';
     std::string length = word_bytes(static_cast<uint32_t>(ssid.size()));

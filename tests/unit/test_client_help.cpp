@@ -15,7 +15,7 @@ namespace {
 using nlohmann::json;
 using strings = std::vector<std::string>;
 
-json answer_to(strings words) {
+json help_for(strings words) {
     words.insert(words.begin(), {"-o", "json"});
     run_outcome outcome = run(words);
     EXPECT_EQ(outcome.status, 0) << outcome.out;
@@ -27,7 +27,7 @@ json answer_to(strings words) {
 const char *const DOCUMENTS[] = {"reference", "interface", "dissector", "records", "manual"};
 
 TEST(ClientHelpForPrograms, ProgramHasItsCommandsItsOptionsAndItsStatuses) {
-    json answer = answer_to({"help"});
+    json answer = help_for({"help"});
     EXPECT_EQ(answer["command"], "help");
     json help = answer["result"];
     EXPECT_EQ(help["usage"], (json{"vlk_rpc_wlan_config_client [OPTION...] OPERATION [ARGUMENT...] [OPTION...]",
@@ -53,7 +53,7 @@ TEST(ClientHelpForPrograms, ProgramHasItsCommandsItsOptionsAndItsStatuses) {
 
 TEST(ClientHelpForPrograms, ProgramHasEveryCommandButTheHiddenOnes) {
     strings shown, expected;
-    json answer = answer_to({"--help"});
+    json answer = help_for({"--help"});
     for (const json &command : answer["result"]["commands"])
         shown.push_back(command["command"]);
     for (size_t i = 0; i < command_row_count; i++)
@@ -63,8 +63,8 @@ TEST(ClientHelpForPrograms, ProgramHasEveryCommandButTheHiddenOnes) {
 }
 
 TEST(ClientHelpForPrograms, CommandIsWhole) {
-    json global = answer_to({"help"})["result"]["global_options"];
-    EXPECT_EQ(answer_to({"help", "batch"})["result"],
+    json global = help_for({"help"})["result"]["global_options"];
+    EXPECT_EQ(help_for({"help", "batch"})["result"],
               (json{{"command", "batch"},
                     {"group", "Many commands"},
                     {"synopsis", "[FILE]"},
@@ -89,7 +89,7 @@ TEST(ClientHelpForPrograms, CommandIsWhole) {
 }
 
 TEST(ClientHelpForPrograms, OptionWithoutALetterHasNoneAndOneOfSecondsIsANumber) {
-    json option = answer_to({"help", "init"})["result"]["options"][1];
+    json option = help_for({"help", "init"})["result"]["options"][1];
     EXPECT_EQ(option["name"], "wait-for");
     EXPECT_EQ(option["letter"], nullptr);
     EXPECT_EQ(option["value"], "SECONDS");
@@ -97,20 +97,20 @@ TEST(ClientHelpForPrograms, OptionWithoutALetterHasNoneAndOneOfSecondsIsANumber)
 }
 
 TEST(ClientHelpForPrograms, WordsWithoutAnEndHaveNoMostAndNoWordsHaveNoKind) {
-    EXPECT_EQ(answer_to({"help", "watch"})["result"]["words"],
+    EXPECT_EQ(help_for({"help", "watch"})["result"]["words"],
               (json{{"least", 1}, {"most", nullptr}, {"kinds", {"command-line"}}}));
-    EXPECT_EQ(answer_to({"help", "status"})["result"]["words"],
+    EXPECT_EQ(help_for({"help", "status"})["result"]["words"],
               (json{{"least", 0}, {"most", 0}, {"kinds", json::array()}}));
-    EXPECT_EQ(answer_to({"help", "status"})["result"]["usage"], "vlk_rpc_wlan_config_client [OPTION...] status");
+    EXPECT_EQ(help_for({"help", "status"})["result"]["usage"], "vlk_rpc_wlan_config_client [OPTION...] status");
 }
 
 TEST(ClientHelpForPrograms, HiddenCommandHasNoGroup) {
-    EXPECT_EQ(answer_to({"help", "manual"})["result"]["group"], nullptr);
+    EXPECT_EQ(help_for({"help", "manual"})["result"]["group"], nullptr);
 }
 
 TEST(ClientHelpForPrograms, EveryCommandHasTheSameMembers) {
     for (size_t i = 0; i < command_row_count; i++) {
-        json help = answer_to({"help", command_rows[i].name})["result"];
+        json help = help_for({"help", command_rows[i].name})["result"];
         EXPECT_EQ(help.size(), 9u) << help;
         EXPECT_EQ(help["command"], command_rows[i].name);
         EXPECT_EQ(help["options"].size(), command_rows[i].option_count);
@@ -120,16 +120,16 @@ TEST(ClientHelpForPrograms, EveryCommandHasTheSameMembers) {
 }
 
 TEST(ClientHelpForPrograms, OptionGivesWhatTheCommandGives) {
-    EXPECT_EQ(answer_to({"--help"}), answer_to({"help"}));
-    EXPECT_EQ(answer_to({"scan", "--help"}), answer_to({"help", "scan"}));
-    EXPECT_EQ(answer_to({"scan", "1", "-h"}), answer_to({"help", "scan"}));
-    EXPECT_EQ(answer_to({"getSsid", "--help"}), answer_to({"help", "getSsid"}));
-    EXPECT_EQ(answer_to({"getSsid", "1", "--help"}), answer_to({"help", "getSsid"}))
+    EXPECT_EQ(help_for({"--help"}), help_for({"help"}));
+    EXPECT_EQ(help_for({"scan", "--help"}), help_for({"help", "scan"}));
+    EXPECT_EQ(help_for({"scan", "1", "-h"}), help_for({"help", "scan"}));
+    EXPECT_EQ(help_for({"getSsid", "--help"}), help_for({"help", "getSsid"}));
+    EXPECT_EQ(help_for({"getSsid", "1", "--help"}), help_for({"help", "getSsid"}))
         << "nothing was called that could have a code";
 }
 
 TEST(ClientHelpForPrograms, OperationIsDescribed) {
-    EXPECT_EQ(answer_to({"help", "getSsid"})["result"], answer_to({"describe", "getSsid"})["result"]);
+    EXPECT_EQ(help_for({"help", "getSsid"})["result"], help_for({"describe", "getSsid"})["result"]);
 }
 
 TEST(ClientHelp, OptionsMayStandBehindTheOneForHelp) {
@@ -176,7 +176,7 @@ TEST(ClientHelp, CommandsOfTheDriverHaveAGroupOfTheirOwn) {
 
 TEST(ClientDocuments, AreOneTextForPrograms) {
     for (const char *document : DOCUMENTS) {
-        json answer = answer_to({document});
+        json answer = help_for({document});
         EXPECT_EQ(answer["command"], document);
         EXPECT_EQ(answer["result"], (json{{"text", run({document}).out}})) << document;
     }

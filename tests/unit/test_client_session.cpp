@@ -126,6 +126,12 @@ TEST(ClientSession, ErrorBeforeThereIsASpeakerIsTheProgrammes) {
     EXPECT_EQ(programs.out(), "{\"error\":{\"status\":2,\"kind\":\"usage\",\"message\":\"wrong\"}}\n");
 }
 
+TEST(ClientSession, ForeignTextInAnErrorDoesNotReachTheTerminalAsItIs) {
+    TestSession test;
+    complain(&test.session, EXIT_STATUS_NOT_FOUND, "\"%s\" is no setting", "\033[2J\n");
+    EXPECT_TRUE(test.errors().ends_with("\"\\x1b[2J\\x0a\" is no setting\n")) << test.errors();
+}
+
 TEST(ClientSession, ErrorForProgramsIsAnObjectOnStandardOutput) {
     TestSession test(output_format::JSON);
     test.session.speaker = "getSsid";

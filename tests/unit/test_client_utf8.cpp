@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "client/utf8.h"
+#include "tests/support/client_runs.h"
 
 namespace {
 
@@ -101,6 +102,11 @@ TEST(ClientUtf8, ControlsAreC0AndDelAndC1) {
 TEST(ClientUtf8, BytesThatAreNoCharacterAreNoControlEither) {
     for (const std::string &bytes : NO_CHARACTERS)
         EXPECT_FALSE(is_control_character(bytes.data(), bytes.size())) << testing::PrintToString(bytes);
+}
+
+TEST(ClientUtf8, PrintedTextHasNothingThatATerminalObeys) {
+    EXPECT_EQ(written([](FILE *out) { print_visible(out, "a\033[31m\xc2\x9b b\n\xe9\x7f Caf\xc3\xa9"); }),
+              "a\\x1b[31m\\xc2\\x9b b\\x0a\\xe9\\x7f Caf\xc3\xa9");
 }
 
 }  // namespace
