@@ -9,7 +9,7 @@
 
 // Stack of a worker, in bytes: the gateway has little memory to spare for threads. Everything that workers call keeps
 // its large buffers on the heap.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef WLAN_SANITIZED
 // The sanitizers keep their own data on it, more than all of the real size.
 constexpr size_t WORKER_STACK_SIZE = 1 << 20;
 #else

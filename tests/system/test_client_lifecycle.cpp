@@ -98,6 +98,14 @@ TEST_F(ClientLifecycle, InitWithoutAnyVapWaitsForTheDriver) {
     EXPECT_TRUE(is_loaded());
 }
 
+TEST_F(ClientLifecycle, DriverIsLoadedWhenOnlyTheSecondRadioIsThere) {
+    run_command("fast_down.sh; echo 0 > /sys/bus/pci/slots/0000:02:00.0/power");
+    command_output load = client("load --wait-for 20");
+    EXPECT_EQ(load.status, 0) << load.errors;
+    EXPECT_EQ(read_file("/run/gateway/driver"), "loaded\nabsent wifi0\n");
+    run_command("fast_down.sh; echo 1 > /sys/bus/pci/slots/0000:02:00.0/power; echo 1 > /sys/bus/pci/rescan");
+}
+
 TEST_F(ClientLifecycle, VapsThatAreNotUpInTimeAreStatusFourAndNamed) {
     run_command("fast_down.sh; fault apup missing");
     command_output init = client("init --wait-for 2");

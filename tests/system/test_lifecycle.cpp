@@ -10,12 +10,17 @@
 #include <functional>
 #include <thread>
 
+#include "lifecycle/workers.h"
 #include "server/wire.h"
 #include "tests/system/gateway.h"
 #include "tests/system/lifecycle.h"
 #include "tests/system/smoke.h"
 
 namespace {
+
+#ifndef WLAN_SANITIZED
+static_assert(WORKER_STACK_SIZE == 32768, "what the workers of the server under test have");
+#endif
 
 // A script that is to be running takes this long, or until it is killed.
 constexpr const char SLOW[] = "slow 600";
