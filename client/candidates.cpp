@@ -138,16 +138,16 @@ static void make_printable(char *text) {
 }
 
 static void add_vaps(completion *state, const char *before) {
-    char ssids[VAP_INDEX_MAX][SSID_TEXT_SIZE] = {};
+    char ssids[VAP_COUNT_MAX][SSID_TEXT_SIZE] = {};
     char number[sizeof "-2147483648"];
     bool wanted = false;
-    for (int index = 1; index <= VAP_INDEX_MAX && !wanted; index++) {
+    for (int index = 1; index <= VAP_COUNT_MAX && !wanted; index++) {
         snprintf(number, sizeof number, "%d", index);
         wanted = is_candidate(state, before, number);
     }
     if (wanted)
         find_ssids(state->session, state->server, ssids);
-    for (int index = 1; index <= VAP_INDEX_MAX; index++) {
+    for (int index = 1; index <= VAP_COUNT_MAX; index++) {
         snprintf(number, sizeof number, "%d", index);
         make_printable(ssids[index - 1]);
         add_candidate(state, before, number, ssids[index - 1]);

@@ -29,7 +29,7 @@ static void tell_ssids(const client_session *session, const char *server, int to
     client_session own = *session;
     own.connection = &connection;
     own.settings.timeout_seconds = VAP_SECONDS;
-    for (int index = 1; index <= VAP_INDEX_MAX; index++) {
+    for (int index = 1; index <= VAP_COUNT_MAX; index++) {
         vap_message message = {index, ""};
         client_exit_status status = ask_text(&own, PROC_wlan_get_ssid, index, message.ssid, sizeof message.ssid);
         bool answered = status == EXIT_STATUS_SUCCESS || status == EXIT_STATUS_FAILURE;

@@ -4,13 +4,11 @@
 #pragma once
 
 #include "client/session.h"
-
-// The indices that the VAPs of the gateway have; whether there are so many of them makes no difference to the server.
-constexpr int VAP_INDEX_MAX = 16;
+#include "client/vaps.h"
 
 // More than an SSID has; what a server may say beyond that is cut.
 constexpr size_t SSID_TEXT_SIZE = 128;
 
-// The SSID of VAP i in ssids[i - 1], of which there are VAP_INDEX_MAX; those that no answer came for are left alone.
+// The SSID of VAP i in ssids[i - 1], of which there are VAP_COUNT_MAX; those that no answer came for are left alone.
 // `server` is asked, or with nullptr the session's.
 void find_ssids(const client_session *session, const char *server, char (*ssids)[SSID_TEXT_SIZE]);
