@@ -52,12 +52,12 @@ bool cut_words(scenario_reader *reader) {
     }
 }
 
-static bool parse_number(const char *text, unsigned long most, unsigned long *number) {
+static bool parse_number(const char *text, uint64_t most, uint64_t *number) {
     if (!isdigit((unsigned char)text[0]))
         return false;
     char *end;
     errno = 0;
-    *number = strtoul(text, &end, 0);
+    *number = strtoull(text, &end, 0);
     return errno == 0 && *end == '\0' && *number <= most;
 }
 
@@ -80,8 +80,9 @@ static bool parse_counter(const char *text, scenario_counter *counter) {
         return false;
     memcpy(start, text, length);
     start[length] = '\0';
-    unsigned long value = 0, speed = 0;
-    if (!parse_number(start, ULONG_MAX, &value) || (plus != nullptr && !parse_number(plus + 1, 1UL << 40, &speed)))
+    uint64_t value = 0, speed = 0;
+    if (!parse_number(start, UINT64_MAX, &value) ||
+        (plus != nullptr && !parse_number(plus + 1, UINT64_C(1) << 40, &speed)))
         return false;
     counter->start = value;
     counter->per_second = speed;
@@ -106,7 +107,7 @@ bool copy_text(const char *text, char *out, size_t size) {
 // Fields.
 
 static bool parse_field(const field *wanted, const char *value) {
-    unsigned long number;
+    uint64_t number;
     unsigned char address[4];
     switch (wanted->kind) {
         case FIELD_MAC:
@@ -121,7 +122,7 @@ static bool parse_field(const field *wanted, const char *value) {
             *(bool *)wanted->target = value[0] == '1';
             return strcmp(value, "0") == 0 || strcmp(value, "1") == 0;
         case FIELD_NUMBER:
-            if (!parse_number(value, (unsigned long)wanted->most, &number) || (int64_t)number < wanted->least)
+            if (!parse_number(value, (uint64_t)wanted->most, &number) || (int64_t)number < wanted->least)
                 return false;
             *(unsigned *)wanted->target = (unsigned)number;
             return true;
