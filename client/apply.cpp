@@ -217,6 +217,8 @@ client_exit_status run_apply(client_session *session, const command_line *line) 
     client_exit_status status = dry ? EXIT_STATUS_SUCCESS : check_nothing_pending(session, lost);
     if (status == EXIT_STATUS_SUCCESS)
         status = compare(session, line->words[0], seconds > 0, &compared);
+    if (status == EXIT_STATUS_SUCCESS && seconds > 0 && !check_way_back(session, &compared.changes))
+        status = EXIT_STATUS_USAGE;
     if (status != EXIT_STATUS_SUCCESS)
         status = complain_of_call(session, status);
     else if (dry)

@@ -6,6 +6,7 @@
 
 #include "client/ask.h"
 #include "client/setting_conversions.h"
+#include "client/shell_texts.h"
 #include "client/vaps.h"
 
 constexpr size_t FAMILIES = static_cast<size_t>(setting_family::WPS) + 1;
@@ -113,6 +114,41 @@ bool check_sizes(client_session *session, const change_list *list) {
     return all_fit;
 }
 
+static setting_change reversed(const setting_change *change) {
+    setting_change back = *change;
+    back.now = change->then;
+    back.then = change->now;
+    back.settings_now = change->settings_then;
+    back.settings_then = change->settings_now;
+    return back;
+}
+
+static bool may_send(client_session *session, const planned_call *call, char problem[PROBLEM_SIZE]) {
+    return session->settings.shell_text || check_shell_texts(call->procedure, &call->arguments, problem);
+}
+
+bool check_way_back(client_session *session, const change_list *list) {
+    call_plan plan = {};
+    for (size_t i = 0; i < list->count; i++) {
+        setting_change back = reversed(&list->changes[i]);
+        if (back.then)
+            plan_change(&plan, &back);
+    }
+    char problem[PROBLEM_SIZE];
+    const planned_call *call = plan.calls;
+    while (call < plan.calls + plan.count && may_send(session, call, problem))
+        call++;
+    bool all_may = call == plan.calls + plan.count;
+    if (!all_may) {
+        char where[WHERE_SIZE];
+        name_place(call->change.setting, call->change.place, call->change.element, where);
+        snprintf(session->problem, sizeof session->problem, "%s %s could not be put back: %.300s", where,
+                 call->change.setting->name, problem);
+    }
+    free_plan(&plan);
+    return all_may;
+}
+
 // Whether a setting that was as it should be still is, after others have been set.
 static bool is_still_right(client_session *session, const setting_change *change, client_exit_status *status) {
     value *found;
@@ -132,6 +168,12 @@ static client_exit_status make_change(client_session *session, const setting_cha
     for (size_t i = 0; i < plan.count && status == EXIT_STATUS_SUCCESS; i++) {
         wlan_config_result_data_t result;
         *procedure = plan.calls[i].procedure;
+        // Of a document nothing comes here that a shell obeys. Of a gateway something may, when it is to be put back
+        // what somebody else has taken off meanwhile: it counts as a setting that cannot be set.
+        if (!may_send(session, &plan.calls[i], session->problem)) {
+            status = EXIT_STATUS_FAILURE;
+            break;
+        }
         status = ask(session, *procedure, &plan.calls[i].arguments, &result);
         release_result(&result);
     }

@@ -30,6 +30,11 @@ struct change_outcome {
 // the first of them is made.
 bool check_sizes(client_session *session, const change_list *list);
 
+// Whether the changes can be taken back without the server's shell obeying a text of the gateway's: a station of an
+// access list cannot when its list has a name with such characters. False with a sentence in session->problem. Always
+// true when the session sends such texts.
+bool check_way_back(client_session *session, const change_list *list);
+
 // Told of each change that was made or has failed.
 using change_listener = void (*)(void *context, const change_outcome *outcome);
 

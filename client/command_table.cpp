@@ -23,6 +23,8 @@ const option_row global_options[] = {
     {"output", "FORMAT", "text, json, value (bare values) or dump (every byte of a result)", word_kind::FORMAT, 'o'},
     {"field", "NAME", "with -o value, which it implies: the values with this name, a line each", word_kind::FIELD, 'f'},
     {"color", "WHEN", "auto, always or never; auto is a terminal without NO_COLOR", word_kind::WHEN, '\0'},
+    {"shell-text", nullptr, "send texts as they stand although the server's shell would obey them", word_kind::NONE,
+     '\0'},
     {"help", nullptr, "what the command or operation does and takes", word_kind::NONE, 'h'},
 };
 const size_t global_option_count = sizeof global_options / sizeof *global_options;

@@ -12,6 +12,7 @@
 #include "client/operation_text.h"
 #include "client/options.h"
 #include "client/results.h"
+#include "client/shell_texts.h"
 #include "client/suggest.h"
 #include "client/words.h"
 
@@ -60,10 +61,18 @@ static bool is_choice_missing(const client_session *session, const procedure_row
     return session->settings.format == output_format::VALUE && !session->settings.field && has_several_values(row);
 }
 
+// Nobody may send by mistake what the server's shell would obey. A caller that has put backslashes in front is not kept
+// from it, and the client puts none of its own there: what it sends is what it was given.
+static bool is_text_refused(client_session *session, const procedure_row *row, const call_arguments *arguments) {
+    return !session->settings.shell_text && !check_shell_texts(row, arguments, session->problem);
+}
+
 static client_exit_status call_operation(client_session *session, const procedure_row *row, call_arguments *arguments) {
     if (is_choice_missing(session, row))
         return complain(session, EXIT_STATUS_USAGE,
                         "the result has several values: choose one by its name with --field");
+    if (is_text_refused(session, row, arguments))
+        return complain(session, EXIT_STATUS_USAGE, "%s", session->problem);
     wlan_config_result_data_t result;
     client_exit_status status = ask(session, row, arguments, &result);
     bool answered = status == EXIT_STATUS_SUCCESS || status == EXIT_STATUS_FAILURE;

@@ -7,6 +7,7 @@
 #include "client/operation_text.h"
 #include "client/record_fields.h"
 #include "client/render.h"
+#include "client/shell_texts.h"
 #include "client/touches.h"
 
 // Where the meanings of arguments and outputs begin, behind all but the longest names.
@@ -29,6 +30,15 @@ static void print_column(FILE *out, int width, int column) {
     fprintf(out, "%*s", width + 1 < column ? column - width : 2, "");
 }
 
+static void print_shell(FILE *out, const procedure_row *row, const argument_row *argument) {
+    const shell_row *shell = find_shell_row(row, argument->name);
+    if (!shell)
+        return;
+    fprintf(out, "%*s", MEANING_COLUMN, "");
+    print_shell_row(out, shell);
+    putc('\n', out);
+}
+
 static void print_arguments(FILE *out, const procedure_row *row) {
     for (size_t i = 0; i < row->argument_count; i++) {
         const argument_row *argument = &row->arguments[i];
@@ -38,6 +48,7 @@ static void print_arguments(FILE *out, const procedure_row *row) {
         fprintf(out, "\n%*s", MEANING_COLUMN, "");
         print_accepted(out, argument, &meaning->range);
         putc('\n', out);
+        print_shell(out, row, argument);
     }
 }
 

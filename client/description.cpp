@@ -8,6 +8,7 @@
 #include "client/names.h"
 #include "client/operation_text.h"
 #include "client/record_fields.h"
+#include "client/shell_texts.h"
 #include "client/touches.h"
 
 static void add_example(value *to, const procedure_row *row, const char *name, bool is_text) {
@@ -92,6 +93,7 @@ static void add_arguments(value *to, const procedure_row *row) {
         add_range(added, &meaning->range, true);
         add_accepts(added, argument, &meaning->range);
         add_boolean(added, "used", meaning->range.kind != range_kind::UNUSED);
+        add_shell_row(added, find_shell_row(row, argument->name));
         add_string(added, "example", meaning->example);
     }
 }

@@ -5,6 +5,8 @@
 
 #include "client/command_table.h"
 #include "client/help.h"
+#include "client/names.h"
+#include "client/shell_texts.h"
 
 // The day on which the page was last read from beginning to end.
 static const char MANUAL_DATE[] = "November 21, 2026";
@@ -308,12 +310,40 @@ static const char EXAMPLES[] =
     ".Xr vlk_simulated_gateway 1 ,\n"
     ".Xr vlk_rpc_wlan_config_server 8\n";
 
+static const char SHELL_HEAD[] =
+    ".Sh SECURITY CONSIDERATIONS\n"
+    "The texts of these arguments reach the shell of the server as they stand:\n"
+    ".Pp\n"
+    ".Bl -bullet -compact\n";
+
+static const char SHELL_REST[] =
+    ".El\n"
+    ".Pp\n"
+    "The client refuses characters in them that the shell would obey, unless they\n"
+    "have a backslash in front or\n"
+    ".Fl -shell-text\n"
+    "is given; nothing is sent then.\n"
+    "What has to be left out of the stations of the access list is told by\n"
+    ".Ql describe setMacAddressControlAdd .\n"
+    "Settings that are applied from a document are made such that the shell takes\n"
+    "them for texts.\n";
+
 static void print_output(FILE *out) {
     fputs(OUTPUT, out);
     for (size_t i = 0; i < exit_status_row_count; i++)
         if (exit_status_rows[i].status != EXIT_STATUS_SUCCESS)
             fprintf(out, ".Cm %s%s\n", exit_status_rows[i].word, i + 1 < exit_status_row_count ? " ," : " .");
     fputs(OUTPUT_REST, out);
+}
+
+static void print_shell_texts(FILE *out) {
+    fputs(SHELL_HEAD, out);
+    for (size_t i = 0; i < shell_row_count; i++) {
+        char name[OPERATION_NAME_SIZE];
+        operation_name(find_operation(shell_rows[i].procedure), name);
+        fprintf(out, ".It\n%s <%s>\n", name, shell_rows[i].argument);
+    }
+    fputs(SHELL_REST, out);
 }
 
 void print_manual(FILE *out) {
@@ -327,4 +357,5 @@ void print_manual(FILE *out) {
     fputs(ENVIRONMENT, out);
     print_exit_statuses(out);
     fputs(EXAMPLES, out);
+    print_shell_texts(out);
 }

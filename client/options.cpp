@@ -140,6 +140,8 @@ static bool take_global_option(const option_row *row, char *word, parsed_options
     } else if (strcmp(row->name, "color") == 0) {
         if (!parse_colour(word, settings))
             return wrong_value(row, word, "auto, always or never", &options->meant, problem);
+    } else if (strcmp(row->name, "shell-text") == 0) {
+        settings->shell_text = true;
     } else {
         options->help = true;
     }

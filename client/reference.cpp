@@ -2,6 +2,7 @@
 
 #include "client/names.h"
 #include "client/operation_text.h"
+#include "client/shell_texts.h"
 #include "client/touches.h"
 
 static const char REFERENCE_HEAD[] =
@@ -18,7 +19,8 @@ static const char REFERENCE_HEAD[] =
     "- `_wlan_x_1`, the wrapper in `server/dispatch.cpp`, unpacks the arguments for the handler `wlan_x_1_svc`;\n"
     "- arguments travel as the record `wlan_x_1_argument` (a few procedures share one or have another name), a single\n"
     "  one mostly as a bare value, and `xdr_` and the record's name is the routine that encodes and decodes them;\n"
-    "- the result is `wlan_config_return_code_e`, or `wlan_config_result_data_t` with the payload that is named.\n"
+    "- the result is `wlan_config_return_code_e`, or `wlan_config_result_data_t` with the payload that is named;\n"
+    "- an argument with *shell* behind it reaches the server's shell as it stands.\n"
     "\n"
     "Names are in `code` type; files are given from the root of the sources.\n"
     "\n"
@@ -49,7 +51,8 @@ static void print_arguments_cell(FILE *out, const procedure_row *row) {
     if (row->argument_count == 0)
         fputs("void", out);
     for (size_t i = 0; i < row->argument_count; i++)
-        fprintf(out, "%s%s %s", i ? ", " : "", element_text(row->arguments[i].kind), row->arguments[i].name);
+        fprintf(out, "%s%s %s%s", i ? ", " : "", element_text(row->arguments[i].kind), row->arguments[i].name,
+                find_shell_row(row, row->arguments[i].name) ? " ([shell](security.md#texts-that-reach-a-shell))" : "");
     if (*row->record)
         fprintf(out, "; `%s`, `xdr_%s`", row->record, row->record);
 }

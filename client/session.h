@@ -18,6 +18,7 @@ struct client_settings {
     const char *field;  // of VALUE: whose values, nullptr for the only one
     bool terminal;      // standard output is one
     bool colour;
+    bool shell_text = false;  // texts that the server's shell would obey are sent as they stand
 };
 
 // Where a command comes from that is one line of many.

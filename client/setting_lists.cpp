@@ -90,14 +90,20 @@ static const value *keep_what_fits(const value *now, const value *then, same_ent
     return wanted;
 }
 
-// Whether the list is emptied at once: when nothing of it stays, and when something in it is no MAC, which nobody may
-// hand to a shell.
-static bool is_cleared(const setting_change *change, same_entry same) {
+using clean_entry = bool (*)(const value *);
+
+static bool has_mac(const value *entry) {
+    return is_mac(mac_of(entry));
+}
+
+// Whether the list is emptied at once: when nothing of it stays, and when taking something off would hand to a shell
+// what is no MAC, or what is obeyed there.
+static bool is_cleared(const setting_change *change, same_entry same, clean_entry is_clean) {
     size_t gone = 0;
     bool clean = true;
     keep_what_fits(change->now, change->then, same, [&](const value *entry) {
         gone++;
-        clean = clean && is_mac(mac_of(entry));
+        clean = clean && is_clean(entry);
     });
     return !clean || (gone > 1 && gone == count_values(change->now));
 }
@@ -155,13 +161,18 @@ static bool accept_mac_list(value *said, const char **wanted) {
     return fits(said, MAC_LIST_MOST);
 }
 
+// Each entry that is taken off has the rest of the list written anew, through the shell.
+static bool has_mac_and_harmless_name(const value *entry) {
+    return has_mac(entry) && !strpbrk(find_member(entry, "list")->text, "\"`\\$");
+}
+
 static bool same_list_entry(const value *one, const value *other) {
     return same_mac(one, other) && strcmp(find_member(one, "list")->text, find_member(other, "list")->text) == 0;
 }
 
 static void plan_mac_list(call_plan *plan, const setting_change *change) {
     const value *missing = change->then->first;
-    if (is_cleared(change, same_list_entry))
+    if (is_cleared(change, same_list_entry, has_mac_and_harmless_name))
         plan_bare(plan, change, PROC_wlan_set_mac_address_control_clear);
     else
         missing = keep_what_fits(change->now, change->then, same_list_entry, [&](const value *entry) {
@@ -242,7 +253,7 @@ static bool same_number(const value *now, const value *then, const char *name) {
 static void plan_airtime_list(call_plan *plan, const setting_change *change) {
     const value *now = change->now;
     const value *missing = change->then->first;
-    if (is_cleared(change, same_mac))
+    if (is_cleared(change, same_mac, has_mac))
         plan_bare(plan, change, PROC_wlan_set_advairtime_sta_weight_destroy_all);
     else
         missing = keep_what_fits(now, change->then, same_mac, [&](const value *entry) {

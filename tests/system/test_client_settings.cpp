@@ -652,6 +652,38 @@ TEST_F(AllSettings, NeverHandAnOddMacOfTheStoreToAShell) {
     EXPECT_NE(access("/tmp/owned", F_OK), 0);
 }
 
+// Each deletion would have the server's shell see the name again.
+TEST_F(AllSettings, NeverHaveANameOfTheStoreGoThroughAShellAgain) {
+    set_store(
+        {"AP_RADIO_ID=0", "AP_MACLIST=02:00:00:00:00:01,a;02:00:00:00:00:02,b;02:00:00:00:00:03,$(>/tmp/owned);"});
+    write_file(DOCUMENT, document_of(R"("vaps":{"1":{"mac_address_control_list":[
+        {"mac":"02:00:00:00:00:01","list":"a"}]}})"));
+    EXPECT_EQ(client(std::string("apply ") + DOCUMENT).status, 0);
+    EXPECT_EQ(store_value("AP_MACLIST"), "02:00:00:00:00:01,a;");
+    EXPECT_NE(access("/tmp/owned", F_OK), 0);
+}
+
+TEST_F(AllSettings, ThatCouldNotBePutBackWithoutAShellObeyingAreNotChangedToBeConfirmed) {
+    const std::string list = "02:00:00:00:00:01,a;02:00:00:00:00:03,$(>/tmp/owned);";
+    set_store({"AP_RADIO_ID=0", "AP_DTIM=1", "AP_MACLIST=" + list});
+    write_file(DOCUMENT, document_of(R"("vaps":{"1":{"dtim_period":5,"mac_address_control_list":[]}})"));
+    for (const char *how : {"apply --confirm-within 5 ", "apply --dry-run --confirm-within 5 "}) {
+        command_output refused = client(how + std::string(DOCUMENT));
+        EXPECT_EQ(refused.status, 2);
+        EXPECT_EQ(refused.text, "");
+        EXPECT_EQ(refused.errors,
+                  "apply: vap 1 mac_address_control_list could not be put back: <list_name> has $ in it, which the "
+                  "server's shell would obey, now or with the next change of the list; --shell-text sends it all the "
+                  "same\n");
+    }
+    EXPECT_EQ(store_value("AP_MACLIST"), list);
+    EXPECT_EQ(store_value("AP_DTIM"), "1");
+    EXPECT_NE(access(STATE_FILE, F_OK), 0);
+    EXPECT_EQ(client(std::string("apply ") + DOCUMENT).status, 0);
+    EXPECT_EQ(store_value("AP_MACLIST"), "");
+    EXPECT_NE(access("/tmp/owned", F_OK), 0);
+}
+
 // Changes that are taken back.
 
 class UnconfirmedSettings : public AllSettings {
@@ -755,6 +787,18 @@ TEST_F(UnconfirmedSettings, ArePutBackWhenTheServerIsThereAgain) {
 }
 
 // A channel of the other band, which only the store can give the radio.
+// Somebody else has taken it off meanwhile, so that nobody could know before.
+TEST_F(UnconfirmedSettings, ThatAShellWouldObeyAreKeptInAFileAndNotPutBack) {
+    set_store({"AP_RADIO_ID=0", "AP_DTIM_2=1", "AP_MACLIST=02:00:00:00:00:03,$(>/tmp/owned);"});
+    EXPECT_EQ(client(std::string("apply --confirm-within 1 ") + DOCUMENT).status, 0);
+    EXPECT_EQ(code_of(call(PROC_wlan_set_mac_address_control_clear, vap(1))), 0);
+    EXPECT_TRUE(wait_for([] { return access(LOST_FILE, F_OK) == 0; }));
+    EXPECT_NE(access("/tmp/owned", F_OK), 0);
+    EXPECT_EQ(store_value("AP_DTIM_2"), "1");
+    EXPECT_NE(read_file(LOST_FILE).find("$(>/tmp/owned)"), std::string::npos);
+    unlink(LOST_FILE);
+}
+
 TEST_F(UnconfirmedSettings, OfWhichOneCannotBePutBackAreKeptInAFile) {
     EXPECT_EQ(run_command("cfg -a AP_PRIMARY_CH=6 && cfg -c").status, 0);
     write_file(DOCUMENT, document_of(R"("radios":{"1":{"channel":40}},"vaps":{"2":{"dtim_period":5}})"));

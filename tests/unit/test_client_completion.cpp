@@ -99,7 +99,8 @@ TEST(ClientCompletion, OperationsComeInTheSpellingBegunWith) {
 }
 
 TEST(ClientCompletion, OptionsOfTheProgramStandBeforeTheCommand) {
-    EXPECT_EQ(words_for({"--"}), (strings{"--timeout", "--server", "--output", "--field", "--color", "--help"}));
+    EXPECT_EQ(words_for({"--"}),
+              (strings{"--timeout", "--server", "--output", "--field", "--color", "--shell-text", "--help"}));
     EXPECT_EQ(words_for({"--ti"}), strings{"--timeout"});
     EXPECT_EQ(words_for({"-o"}), strings{"-o"});
     EXPECT_EQ(words_for({"--timeout", "3", "--se"}), strings{"--server"});
@@ -125,8 +126,8 @@ TEST(ClientCompletion, LetterOfACommandsOwnOptionHasItsValue) {
 
 TEST(ClientCompletion, CommandsHaveTheirOwnOptionsAsWell) {
     strings found = words_for({"batch", "--"});
-    EXPECT_EQ(found,
-              (strings{"--keep-going", "--echo", "--timeout", "--server", "--output", "--field", "--color", "--help"}));
+    EXPECT_EQ(found, (strings{"--keep-going", "--echo", "--timeout", "--server", "--output", "--field", "--color",
+                              "--shell-text", "--help"}));
     EXPECT_EQ(words_for({"batch", "--", "--"}), strings{""}) << "a file that begins with a minus sign";
 }
 

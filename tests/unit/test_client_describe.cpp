@@ -136,8 +136,8 @@ TEST(ClientDescribe, EveryOperationIsDescribedForPeople) {
 TEST(ClientDescribe, ObjectForProgramsHasTheSameMembersForEveryOperation) {
     const std::set<std::string> members = {"operation", "summary", "usage",   "subject",  "procedure", "number",
                                            "arguments", "result",  "handler", "back_end", "example",   "touches"};
-    const std::set<std::string> of_argument = {"name", "kind",    "meaning", "unit", "least",
-                                               "most", "outside", "accepts", "used", "example"};
+    const std::set<std::string> of_argument = {"name",    "kind",    "meaning", "unit",  "least",  "most",
+                                               "outside", "accepts", "used",    "shell", "example"};
     const std::set<std::string> of_value = {"name", "kind", "meaning", "unit", "least", "most", "range", "count"};
     auto names = [](const json &object) {
         std::set<std::string> keys;
@@ -165,10 +165,10 @@ TEST(ClientDescribe, ObjectForProgramsIsWhole) {
         "procedure":"wlan_set_channel_bw","number":147,
         "arguments":[
           {"name":"index","kind":"vap","meaning":"VAP","unit":null,"least":1,"most":16,"outside":"refused",
-           "accepts":"1 to 16; below 0 fails","used":true,"example":"1"},
+           "accepts":"1 to 16; below 0 fails","used":true,"shell":null,"example":"1"},
           {"name":"width","kind":"integer","meaning":"0 for 20 MHz, 1 and 2 for 40 MHz (2 with the extension channel found out), 3 for 80 MHz; the widest where the channel is narrower",
            "unit":null,"least":0,"most":3,"outside":"counts-as","accepts":"0 to 3; any other counts as 3","used":true,
-           "example":"0"}],
+           "shell":null,"example":"0"}],
         "result":{"kind":"code","values":[],"record":null,"bytes":null,"fields":[]},
         "handler":{"function":"wlan_set_channel_bw_1_svc","file":"handlers/regular.cpp"},
         "back_end":{"function":"wlan_setChannelBW","file":"params/tuning.cpp"},

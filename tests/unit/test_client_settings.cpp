@@ -16,6 +16,7 @@
 #include "client/setting_conversions.h"
 #include "client/setting_lists.h"
 #include "client/settings_document.h"
+#include "client/shell_texts.h"
 #include "server/wire.h"
 #include "tests/support/client_runs.h"
 
@@ -119,14 +120,17 @@ std::string problem_of_sections(const std::string &sections) {
     return problem_of(R"({"schema":1,)" + sections + "}");
 }
 
-// A checked document's settings, freed at the end.
+enum class tree_source { DOCUMENT, GATEWAY };
+
+// The settings of a checked document, or those that a gateway has, which nobody has checked. Freed at the end.
 struct settings_tree {
-    explicit settings_tree(const std::string &sections) {
+    explicit settings_tree(const std::string &sections, tree_source source = tree_source::DOCUMENT) {
         std::string text = R"({"schema":1,)" + sections + "}";
         char problem[PROBLEM_SIZE] = "";
         value *document = parse_document(text.data(), text.size(), problem);
-        root = document ? checked_settings(document, problem) : nullptr;
-        free_value(document);
+        root = document && source == tree_source::DOCUMENT ? checked_settings(document, problem) : document;
+        if (root != document)
+            free_value(document);
         EXPECT_NE(root, nullptr) << problem;
         if (!root)
             abort();
@@ -337,8 +341,9 @@ TEST(ClientDocuments, HaveTextsThatAreNoUtf8InHexadecimal) {
 // --- changes ---
 
 // "setSsid 1 x" for each call that leads from one document to the other; those that only may be needed in parentheses.
-std::vector<std::string> calls_between(const std::string &now, const std::string &then) {
-    settings_tree before(now), after(then);
+std::vector<std::string> calls_between(const std::string &now, const std::string &then,
+                                       tree_source source = tree_source::DOCUMENT) {
+    settings_tree before(now, source), after(then);
     change_list changes = find_changes(before.root, after.root);
     call_plan plan = {};
     for (size_t i = 0; i < changes.count; i++)
@@ -450,6 +455,80 @@ TEST(ClientChanges, OfAPureStandardStayInTheBandOfTheChannel) {
 TEST(ClientChanges, OfTextsThatAShellSeesAreEscaped) {
     EXPECT_EQ(calls_between(R"("vaps":{})", R"("vaps":{"1":{"acct_server_key":"a\"b`c\\d$e'f","key_passphrase":"$"}})"),
               (strings{"setKeyPassphrase 1 1 $", "setAcctServerKey 1 a\\\"b\\`c\\\\d\\$e'f"}));
+}
+
+// For each setting that is a text of the shell's: the arguments of its setter.
+struct shell_setting {
+    const setting_row *setting;
+    const shell_row *shell;
+};
+
+std::vector<shell_setting> shell_settings() {
+    std::vector<shell_setting> found;
+    for (size_t i = 0; i < setting_row_count; i++) {
+        const procedure_row *setter = setting_rows[i].list ? nullptr : row_of(setting_rows[i].setter);
+        const shell_row *shell =
+            setter ? find_shell_row(setter, setter->arguments[setter->argument_count - 1].name) : nullptr;
+        if (shell)
+            found.push_back({&setting_rows[i], shell});
+    }
+    return found;
+}
+
+TEST(ClientChanges, OfAnyTextAreOneTextToAShell) {
+    ASSERT_EQ(shell_settings().size(), 7u);
+    const std::string hostile = R"("$(reboot)\"`reboot`\\';reboot;\\")";
+    for (const shell_setting &one : shell_settings()) {
+        std::string said = has_elements(one.setting) ? "[" + hostile + ",null,null,null]" : hostile;
+        std::string section = scope_section(one.setting->scope);
+        std::string place = std::to_string(places_of(one.setting->scope).first);
+        settings_tree before(R"("vaps":{})"),
+            after("\"" + section + "\":{\"" + place + "\":{\"" + one.setting->name + "\":" + said + "}}");
+        change_list changes = find_changes(before.root, after.root);
+        call_plan plan = {};
+        for (size_t i = 0; i < changes.count; i++)
+            plan_change(&plan, &changes.changes[i]);
+        ASSERT_EQ(plan.count, 1u) << one.setting->name;
+        const call_arguments &arguments = plan.calls[0].arguments;
+        EXPECT_EQ(find_shell_character(one.shell, arguments.values[arguments.count - 1].text), nullptr)
+            << one.setting->name;
+        EXPECT_STREQ(arguments.values[arguments.count - 1].text, R"(\$(reboot)\"\`reboot\`\\';reboot;\\)");
+        free_plan(&plan);
+        free_changes(&changes);
+    }
+}
+
+// What is said about taking back the changes from what a gateway has to a document, "" for nothing.
+std::string no_way_back(const std::string &now, const std::string &then, bool shell_text = false) {
+    TestSession test;
+    test.session.settings.shell_text = shell_text;
+    settings_tree before(now, tree_source::GATEWAY), after(then);
+    change_list changes = find_changes(before.root, after.root);
+    bool possible = check_way_back(&test.session, &changes);
+    free_changes(&changes);
+    EXPECT_EQ(possible, *test.session.problem == '\0');
+    return test.session.problem;
+}
+
+TEST(ClientChanges, ThatCannotBeTakenBackWithoutAShellObeyingAreKnown) {
+    auto list = [](const char *name) {
+        return R"("vaps":{"3":{"mac_address_control_list":[{"mac":"02:00:00:00:00:01","list":")" + std::string(name) +
+               R"("}]}})";
+    };
+    const std::string other = R"("vaps":{"3":{"mac_address_control_list":[{"mac":"02:00:00:00:00:02","list":"b"}]}})";
+    EXPECT_EQ(no_way_back(list("$(reboot)"), other),
+              "vap 3 mac_address_control_list could not be put back: <list_name> has $ in it, which the server's shell "
+              "would obey, now or with the next change of the list; --shell-text sends it all the same");
+    EXPECT_EQ(no_way_back(list("$(reboot)"), other, true), "");
+    EXPECT_EQ(no_way_back(list("a"), other), "");
+    EXPECT_EQ(no_way_back(list("$(reboot)"), R"("vaps":{"3":{"dtim_period":2}})"), "") << "the list stays";
+    EXPECT_EQ(no_way_back(R"("gateway":{"advairtime_sta_list":[{"mac":"x;reboot","weight":1,"period":0}]})",
+                          R"("gateway":{"advairtime_sta_list":[]})"),
+              "gateway advairtime_sta_list could not be put back: <mac> has ; in it, which the server's shell would "
+              "obey; put a backslash in front of it, or send it as it stands with --shell-text");
+    EXPECT_EQ(
+        no_way_back(R"-("vaps":{"1":{"acct_server_key":"$(reboot)"}})-", R"("vaps":{"1":{"acct_server_key":""}})"), "")
+        << "it gets its backslashes";
 }
 
 // What is said about calls from nothing to this document that are too long, "" for nothing.
@@ -580,6 +659,22 @@ TEST(ClientLists, LoseOneStationByTakingItOff) {
     EXPECT_EQ(calls_between(json_of({{mac_text(1), "a", 1, 0}}, "mac_address_control_list"),
                             json_of({}, "mac_address_control_list")),
               strings{"setMacAddressControlDelete 1 02:00:00:00:00:01"});
+}
+
+// Taking one off has the server's shell see the others again.
+TEST(ClientLists, WithANameThatAShellObeysAreEmptiedAndMadeAnew) {
+    const std::string then = json_of({{mac_text(1), "a", 0, 0}, {mac_text(3), "c", 0, 0}}, "mac_address_control_list");
+    auto now = [](const std::string &name) {
+        return json_of({{mac_text(1), "a", 0, 0}, {mac_text(2), name, 0, 0}, {mac_text(3), "c", 0, 0}},
+                       "mac_address_control_list");
+    };
+    for (const char *name : {"$x", "`x`", "\\\"", "\\\\"})
+        EXPECT_EQ(calls_between(now(name), then, tree_source::GATEWAY),
+                  (strings{"setMacAddressControlClear 1", "setMacAddressControlAdd 1 02:00:00:00:00:01 a",
+                           "setMacAddressControlAdd 1 02:00:00:00:00:03 c"}))
+            << name;
+    EXPECT_EQ(calls_between(now("x;y=z"), then, tree_source::GATEWAY),
+              strings{"setMacAddressControlDelete 1 02:00:00:00:00:02"});
 }
 
 TEST(ClientLists, AreEmptiedAtOnceWhereThatIsPossible) {
