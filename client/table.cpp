@@ -1,7 +1,10 @@
 #include "client/table.h"
 
 #include <libsmartcols.h>
+#include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
+#include <wchar.h>
 
 #include "client/colour.h"
 
@@ -17,13 +20,44 @@ static bool add_columns(libscols_table *drawn, const text_table *table, bool col
     return true;
 }
 
+// A cell as the library can draw it, which the caller frees; nullptr without memory. Behind a byte that is no character
+// in the locale's character set the library would measure the cell for ever, so such bytes are shown as \xff.
+static char *drawable_text(const char *text) {
+    char *made = nullptr;
+    size_t size;
+    FILE *memory = open_memstream(&made, &size);
+    if (!memory)
+        return nullptr;
+    while (*text) {
+        mbstate_t state = {};
+        size_t used = mbrtowc(nullptr, text, strnlen(text, MB_CUR_MAX), &state);
+        if (used <= MB_CUR_MAX) {
+            fwrite(text, 1, used, memory);
+            text += used;
+        } else {
+            fprintf(memory, "\\x%02x", static_cast<unsigned char>(*text++));
+        }
+    }
+    if (fclose(memory) == 0)
+        return made;
+    free(made);
+    return nullptr;
+}
+
+static bool set_text(libscols_line *line, size_t column, const char *text) {
+    char *drawable = drawable_text(text);
+    bool set = drawable && scols_line_set_data(line, column, drawable) == 0;
+    free(drawable);
+    return set;
+}
+
 static bool add_row(libscols_table *drawn, const text_table *table, size_t row, bool colour) {
     libscols_line *line = scols_table_new_line(drawn, nullptr);
     if (!line)
         return false;
     for (size_t i = 0; i < table->column_count; i++) {
         const table_cell *cell = &table->cells[row * table->column_count + i];
-        if (scols_line_set_data(line, i, cell->text) != 0)
+        if (!set_text(line, i, cell->text))
             return false;
         if (colour && cell->shown != emphasis::NONE)
             scols_cell_set_color(scols_line_get_cell(line, i), emphasis_begin(cell->shown, colour));

@@ -1,6 +1,7 @@
 #include "client/words.h"
 
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 
 struct splitter {
@@ -55,8 +56,41 @@ static void take_double_quoted(splitter *state) {
     }
 }
 
+static bool is_at(const splitter *state, size_t ahead, const char *characters) {
+    size_t place = state->at + ahead;
+    return place < state->length && state->line[place] && strchr(characters, state->line[place]);
+}
+
+// The byte that \xHH stands for; 0, which is none of a text, where there is no such thing.
+static int escaped_byte(const splitter *state) {
+    static const char digits[] = "0123456789abcdefABCDEF";
+    if (!is_at(state, 0, "\\") || !is_at(state, 1, "x") || !is_at(state, 2, digits) || !is_at(state, 3, digits))
+        return 0;
+    const char hex[] = {state->line[state->at + 2], state->line[state->at + 3], '\0'};
+    return static_cast<int>(strtol(hex, nullptr, 16));
+}
+
+// $'...': \xHH is a byte, and a backslash takes their meaning from itself and from '. `apply --dry-run` shows texts
+// like this that a line cannot have otherwise, and its lines have to mean here what they mean in a shell.
+static void take_spelled_out(splitter *state) {
+    state->at++;
+    open_at(state);
+    while (!at_end(state) && state->line[state->at] != '\'') {
+        int byte = escaped_byte(state);
+        if (byte != 0) {
+            state->split->text[state->used++] = static_cast<char>(byte);
+            state->at += sizeof "\\xHH" - 1;
+            continue;
+        }
+        state->at += is_at(state, 0, "\\") && is_at(state, 1, "\\'");
+        take(state);
+    }
+}
+
 static void take_quoted(splitter *state) {
-    if (state->line[state->at] == '\'')
+    if (state->line[state->at] == '$')
+        take_spelled_out(state);
+    else if (state->line[state->at] == '\'')
         take_single_quoted(state);
     else
         take_double_quoted(state);
@@ -80,7 +114,7 @@ static void take_word(splitter *state) {
     split->words[split->count++] = split->text + state->used;
     while (!at_end(state) && !is_blank(state->line[state->at])) {
         char c = state->line[state->at];
-        if (c == '\'' || c == '"')
+        if (c == '\'' || c == '"' || (c == '$' && is_at(state, 1, "'")))
             take_quoted(state);
         else if (c == '\\')
             take_escaped(state);

@@ -1,5 +1,6 @@
-// Splits a line into words as a shell does: blanks, '...', "...", backslashes, and comments that begin with # at the
-// beginning of a word. Nothing is expanded: $, *, ; and | are characters like any other.
+// Splits a line into words as a shell does: blanks, '...', "...", $'...' with \xHH, backslashes, and comments that
+// begin with # at the beginning of a word. Nothing is expanded: every other $, and *, ; and | are characters like any
+// other.
 //
 // Pure functions.
 #pragma once

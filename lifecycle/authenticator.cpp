@@ -19,8 +19,8 @@ static bool has_word(const char *line, size_t length, const char *word) {
     return memmem(line, length, word, strlen(word)) != nullptr;
 }
 
-// The number a line of the process list begins with, 0 when that is no process id. Read as a number that is wide on every
-// machine: cut to an int, one that is too large would look like the largest id.
+// The number a line of the process list begins with, 0 when that is no process id. Read as a number that is wide on
+// every machine: cut to an int, one that is too large would look like the largest id.
 static int process_id(const char *line) {
     long long number = strtoll(line, nullptr, 10);
     return number > 0 && number <= INT_MAX ? static_cast<int>(number) : 0;

@@ -381,6 +381,21 @@ private:
     std::string before;
 };
 
+// Drawing a byte that is no character in the character set used to go on for ever.
+TEST(ClientText, TableForAPipeEndsWhateverBytesANameHas) {
+    value *object = new_object();
+    value *list = add_list(object, "networks");
+    for (const char *ssid : {"a\xff z", "ab\xc3", "Caf\xc3\xa9"})
+        add_string(add_object(list, nullptr), "ssid", ssid);
+    for (bool terminal : {false, true}) {
+        character_set utf8("C.UTF-8");
+        EXPECT_EQ(as_text(object, terminal), "SSID\na\\xff z\nab\\xc3\nCaf\xc3\xa9\n");
+    }
+    character_set none("C");
+    EXPECT_EQ(as_text(object), "SSID\na\\xff z\nab\\xc3\nCaf\\xc3\\xa9\n");
+    free_value(object);
+}
+
 TEST(ClientText, ColumnsAreAlignedByCharactersAndNotByBytes) {
     character_set utf8("C.UTF-8");
     value *object = new_object();

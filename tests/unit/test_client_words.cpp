@@ -83,6 +83,19 @@ TEST(ClientWords, NothingIsExpanded) {
     expect_words("$HOME `id` $(id) * ~ a;b|c>d&", {"$HOME", "`id`", "$(id)", "*", "~", "a;b|c>d&"});
 }
 
+TEST(ClientWords, BytesAreSpelledOutBehindADollarAsDryRunsShowThem) {
+    expect_words(R"(setSsid 5 $'\x1b[m\xe9\x27')", {"setSsid", "5", "\x1b[m\xe9'"});
+    expect_words(R"(a$'b\x20c'd $'\'\\' $'')", {"ab cd", R"('\)", ""});
+    expect_words(R"($'\x5C\x41f')", {R"(\Af)"});
+}
+
+TEST(ClientWords, WhatIsNoByteBehindADollarStandsAsItIs) {
+    expect_words(R"($'\x00 \xg1 \x4g \n' $'\x4')", {R"(\x00 \xg1 \x4g \n)", R"(\x4)"});
+    expect_words(R"("$'x'" '$' $x $ \$a)", {"$'x'", "$", "$x", "$", "$a"});
+    expect_words(R"($"a")", {"$a"});
+    expect_problem("a $'b", "the quote ' in column 4 has no end");
+}
+
 TEST(ClientWords, QuoteWithoutItsEndIsAnErrorWithItsColumn) {
     expect_problem("'", "the quote ' in column 1 has no end");
     expect_problem("setSsid 1 'My net", "the quote ' in column 11 has no end");
