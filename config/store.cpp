@@ -113,15 +113,13 @@ static void copy_value(store_window *window, char *value, size_t size) {
 
 // Looks the key up in the opened store.
 static int look_up(int file, const char *search_key, char *value, size_t size) {
-    char *line_start = nullptr;
-    int length = asprintf(&line_start, "\n%s", search_key);
-    if (length < 0) {
+    char line_start[SEARCH_KEY_SIZE + 1];
+    if (snprintf(line_start, sizeof(line_start), "\n%s", search_key) >= static_cast<int>(sizeof(line_start))) {
         return -1;
     }
-    size_t block_size = static_cast<size_t>(length) + STORE_BLOCK_SIZE;
+    size_t block_size = sizeof(line_start) + STORE_BLOCK_SIZE;
     char *block = static_cast<char *>(malloc(block_size));
     if (!block) {
-        free(line_start);
         return -1;
     }
     // The start of the file is the start of a line too: a break before it says so.
@@ -135,7 +133,6 @@ static int look_up(int file, const char *search_key, char *value, size_t size) {
         status = 0;
     }
     free(block);
-    free(line_start);
     return status;
 }
 

@@ -29,6 +29,12 @@ constexpr uintptr_t LOW_MEMORY_BEGIN = 0x1000'0000;
 constexpr uintptr_t LOW_MEMORY_END = 0x7000'0000;
 constexpr uintptr_t LOW_MEMORY_STEP = 0x10'0000;
 
+// A piece up to this size is mapped as one of this size, and the last of them that was given back is kept for the next
+// call: mapping and touching it anew would take longer than all the rest of a table of neighbours (measured). It holds
+// the list of 256 neighbours.
+constexpr size_t KEPT_SIZE = 32 << 10;
+static void *kept;
+
 int wlan_ioctl_socket(void) {
     static int shared = -1;
     if (shared < 0) {
@@ -122,7 +128,7 @@ int wlan_get_essid(const char *interface, char essid[ESSID_SIZE]) {
     return send_alone(interface, SIOCGIWESSID, essid, &length) < 0 ? -1 : length;
 }
 
-void *low_memory_new(size_t size) {
+static void *map_low_memory(size_t size) {
     for (uintptr_t address = LOW_MEMORY_BEGIN; address < LOW_MEMORY_END; address += LOW_MEMORY_STEP) {
         if (size > LOW_MEMORY_END - address) {
             break;  // it would end too high
@@ -141,9 +147,29 @@ void *low_memory_new(size_t size) {
     return nullptr;
 }
 
+void *low_memory_new(size_t size) {
+    if (size > KEPT_SIZE) {
+        return map_low_memory(size);
+    }
+    void *memory = kept;
+    kept = nullptr;
+    if (!memory) {
+        return map_low_memory(KEPT_SIZE);
+    }
+    memset(memory, 0, size);
+    return memory;
+}
+
 void low_memory_free(void *memory, size_t size) {
-    if (memory) {
+    if (!memory) {
+        return;
+    }
+    if (size > KEPT_SIZE) {
         munmap(memory, size);
+    } else if (kept) {
+        munmap(memory, KEPT_SIZE);
+    } else {
+        kept = memory;
     }
 }
 

@@ -76,7 +76,8 @@ constexpr size_t ESSID_SIZE = 33;
 int wlan_get_essid(const char *interface, char essid[ESSID_SIZE]);
 
 // Memory for the driver: it keeps some addresses in 32-bit words, so these bytes lie below 4 GiB on every build.
-// Zeroed. Null when there is no room. The caller gives them back with the same size.
+// Zeroed. Null when there is no room. The caller gives them back with the same size. One small piece is kept for the
+// next caller.
 void *low_memory_new(size_t size);
 void low_memory_free(void *memory, size_t size);
 

@@ -68,19 +68,33 @@ static int fill_list(int index, scan_entry *list, int count) {
     return wlan_getApScanResult(index, &block);
 }
 
+// Where a network stands in the driver's list, and what it is sorted by.
+struct ranked_network {
+    int rssi;
+    int place;
+};
+
 // Strongest first. Where networks of equal strength end up follows from just these exchanges, and clients know the
-// table in this order: do not replace them by another sort, stable or not.
-static void sort_list(scan_entry *list, int count) {
+// table in this order: do not replace them by another sort, stable or not. Places are exchanged instead of the
+// networks, which are sixteen times as large.
+static void sort_networks(ranked_network *networks, int count) {
     for (int i = 0; i < count - 1; i++) {
+        ranked_network strongest = networks[i];
         for (int j = i + 1; j < count; j++) {
-            if (list[i].rssi < list[j].rssi) {
-                std::swap(list[i], list[j]);
+            if (strongest.rssi < networks[j].rssi) {
+                std::swap(strongest, networks[j]);
             }
         }
+        networks[i] = strongest;
     }
 }
 
-static void copy_list(const scan_entry *list, int count, scan_table *table) {
+static void copy_sorted(const scan_entry *list, int count, scan_table *table) {
+    ranked_network networks[NETWORKS_MAX];
+    for (int i = 0; i < count; i++) {
+        networks[i] = {list[i].rssi, i};
+    }
+    sort_networks(networks, count);
     // First cut to the byte that it travels in, then limited: of 300 networks the strongest 44 are reported, of 256
     // none. Do not mend it: clients have the whole number from a call of its own and expect just this one in the table.
     table->num_entries = static_cast<uint8_t>(count);
@@ -88,8 +102,8 @@ static void copy_list(const scan_entry *list, int count, scan_table *table) {
         table->num_entries = SCAN_ENTRIES_MAX;
     }
     for (int i = 0; i < table->num_entries; i++) {
-        table->entries[i] = list[i];
-        table->entries[i].scan_flag = list[i].scan_flag ? 1 : 0;
+        table->entries[i] = list[networks[i].place];
+        table->entries[i].scan_flag = table->entries[i].scan_flag ? 1 : 0;
     }
 }
 
@@ -117,8 +131,7 @@ int wlan_getApScanResult_2(int index, scan_table *table) {
     }
     int result = fill_list(index, list, count);
     if (result == 0) {
-        sort_list(list, count);
-        copy_list(list, count, table);
+        copy_sorted(list, count, table);
     }
     free_list(list, count);
     return result;

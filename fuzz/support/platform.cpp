@@ -3,6 +3,7 @@
 
 #include <string.h>
 
+#include "config/wireless.h"
 #include "fuzz/support/check.h"
 #include "lifecycle/requests.h"
 #include "lifecycle/state.h"
@@ -16,7 +17,15 @@ constexpr size_t STORAGE = 1 << 20;
 // A request parks one other at most, so few workers can follow each other. More would be a queue that feeds itself.
 constexpr int WORKERS_MAX = 8;
 
+// The server keeps one piece of low memory. As soon as it has been given back no other is mapped for this.
+static void take_kept_low_memory() {
+    void *piece = low_memory_new(1);
+    must(piece != nullptr, "there is low memory");
+    low_memory_free(piece, 1);
+}
+
 void begin_platform(const fuzz_input *answers) {
+    take_kept_low_memory();
     platform = {};
     platform.answers = *answers;
     platform.storage_left = STORAGE;
@@ -38,6 +47,7 @@ void end_platform() {
     must(!is_file_open(), "every file was closed");
     must(!is_socket_open(), "every socket was closed");
     must(platform.open_pipes == 0, "every command was waited for");
+    take_kept_low_memory();
     must(platform.bytes_mapped == 0, "all low memory was given back");
     must(load_state == WORKER_IDLE && init_state == WORKER_IDLE && reset_state == WORKER_IDLE &&
              reconnect_state == WORKER_IDLE,

@@ -17,6 +17,7 @@
 
 #include "handlers/handlers.h"
 #include "tests/support/driver.h"
+#include "tests/support/low_memory.h"
 #include "tests/support/outputs.h"
 #include "tests/support/platform.h"
 #include "tests/support/steps.h"
@@ -597,7 +598,7 @@ TEST_F(SurveyTable, DoesNotLookAtWhatTheDriverLeavesInTheBlock) {
     survey_reading read = read_table();
     EXPECT_EQ(read.result, 0);
     EXPECT_EQ(read.order(), "cba");
-    EXPECT_FALSE(is_mapped(survey.buffer));
+    EXPECT_TRUE(is_given_back(survey.buffer));
 }
 
 TEST_F(SurveyTable, IsReadWhenTheStatusIsRefused) {
@@ -663,6 +664,7 @@ TEST_F(SurveyTable, GivesTheDriversMemoryBackOnEveryRoad) {
 
 // From the moment in which the driver tells the number there is no memory.
 struct memory_shortage {
+    held_low_memory held;
     rlimit whole = {};
 
     memory_shortage() {
@@ -997,7 +999,7 @@ TEST_F(SurveyDiagnostic, FailsAndPrintsNoNetworkWhenTheResultsAreRefused) {
     diagnosed outcome = diagnose(1);
     EXPECT_EQ(outcome.result, -1);
     EXPECT_FALSE(contains(outcome.printed, "AP["));
-    EXPECT_FALSE(is_mapped(survey.buffer));
+    EXPECT_TRUE(is_given_back(survey.buffer));
 }
 
 TEST_F(SurveyDiagnostic, PrintsAllNetworksNotOnlyThoseOfATable) {
@@ -1014,7 +1016,7 @@ TEST_F(SurveyDiagnostic, DoesNotLookAtWhatTheDriverLeavesInTheBlock) {
     diagnosed outcome = diagnose(1);
     EXPECT_TRUE(outcome.printed.ends_with(text_of_network(1, "net", "", "", -50)));
     EXPECT_FALSE(contains(outcome.printed, "AP[2]"));
-    EXPECT_FALSE(is_mapped(survey.buffer));
+    EXPECT_TRUE(is_given_back(survey.buffer));
 }
 
 TEST_F(SurveyDiagnostic, EndsTextsThatHaveNoEnd) {

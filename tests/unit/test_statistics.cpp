@@ -17,6 +17,7 @@
 #include "config/store.h"
 #include "handlers/handlers.h"
 #include "tests/support/driver.h"
+#include "tests/support/low_memory.h"
 #include "tests/support/outputs.h"
 #include "tests/support/platform.h"
 #include "tests/support/steps.h"
@@ -1123,6 +1124,7 @@ TEST_F(Statistics, StationsThatTheDriverDoesNotFillInAreZero) {
 
 // Takes the memory away when the driver has counted, so that only the buffer is not to be had.
 TEST_F(Statistics, WithoutMemoryNoStationsAreRead) {
+    held_low_memory held;
     rlimit whole = {};
     ASSERT_EQ(getrlimit(RLIMIT_AS, &whole), 0);
     answer_request = [&](const seen_request &) {

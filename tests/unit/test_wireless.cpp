@@ -403,15 +403,28 @@ TEST_F(Wireless, SeveralPiecesOfMemoryForTheDriverDoNotOverlap) {
     }
 }
 
-TEST_F(Wireless, MemoryForTheDriverIsGivenBackWhole) {
-    constexpr size_t SIZE = 3 * 4096;
+TEST_F(Wireless, LargeMemoryForTheDriverIsGivenBackWhole) {
+    constexpr size_t SIZE = 9 * 4096;
     char *memory = static_cast<char *>(low_memory_new(SIZE));
     ASSERT_NE(memory, nullptr);
     EXPECT_TRUE(is_mapped(memory));
-    EXPECT_TRUE(is_mapped(memory + 2 * 4096));
+    EXPECT_TRUE(is_mapped(memory + 8 * 4096));
     low_memory_free(memory, SIZE);
     EXPECT_FALSE(is_mapped(memory));
-    EXPECT_FALSE(is_mapped(memory + 2 * 4096));
+    EXPECT_FALSE(is_mapped(memory + 8 * 4096));
+}
+
+// Of all that is in use at once, one piece stays mapped afterwards.
+TEST_F(Wireless, OneSmallPieceOfMemoryForTheDriverIsKeptForTheNextCaller) {
+    char *pieces[3];
+    for (char *&piece : pieces)
+        piece = static_cast<char *>(low_memory_new(2048));
+    for (char *piece : pieces)
+        low_memory_free(piece, 2048);
+    EXPECT_EQ(is_mapped(pieces[0]) + is_mapped(pieces[1]) + is_mapped(pieces[2]), 1);
+    void *next = low_memory_new(32768);
+    EXPECT_TRUE(next == pieces[0] || next == pieces[1] || next == pieces[2]);
+    low_memory_free(next, 32768);
 }
 
 TEST_F(Wireless, NoMemoryForTheDriverIsNull) {
@@ -420,7 +433,7 @@ TEST_F(Wireless, NoMemoryForTheDriverIsNull) {
     rlimit none = whole;
     none.rlim_cur = 1;
     setrlimit(RLIMIT_AS, &none);
-    void *memory = low_memory_new(2048);
+    void *memory = low_memory_new(1 << 20);
     setrlimit(RLIMIT_AS, &whole);
     EXPECT_EQ(memory, nullptr);
 }
