@@ -51,6 +51,8 @@ set(CPACK_DEBIAN_GATEWAY_PACKAGE_DEPENDS
   "${package_server} (= ${PROJECT_VERSION}), ${package_client} (= ${PROJECT_VERSION})")
 # Its portmapper is this package's program, run in its own network; one that is named with --rpcbind will do as well.
 set(CPACK_DEBIAN_GATEWAY_PACKAGE_RECOMMENDS rpcbind)
+# It carries the gateway where namespaces are refused.
+set(CPACK_DEBIAN_GATEWAY_PACKAGE_SUGGESTS proot)
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME ${package_development})
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "development files for the Wi-Fi configuration server

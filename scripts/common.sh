@@ -20,6 +20,14 @@ need() {
     DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $missing
 }
 
+# Whether the kernel refuses the namespaces that a simulated gateway is made of; proot carries it then.
+namespaces_are_refused() {
+    user=--map-root-user
+    if [ "$(id -u)" = 0 ] && unshare --mount true 2>/dev/null; then user=; fi
+    # shellcheck disable=SC2086 # an option or none
+    ! unshare $user --mount --net --pid --fork --mount-proc true 2>/dev/null
+}
+
 # Sets rpcbind to a portmapper to run inside the gateway. One that is not installed is only unpacked under build/:
 # installing it would start a network service on this machine.
 find_rpcbind() {

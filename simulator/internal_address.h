@@ -1,7 +1,8 @@
 // The gateway's internal address on the loopback device of the private network namespace.
 //
-// Touches the kernel's network configuration, by ioctl. Used by the launcher, by `apup` (starting the driver puts the
-// address back) and by the fault that takes it away.
+// Touches the kernel's network configuration, by ioctl; where proot carries the run, a file that says whether the
+// address is there. Used by the launcher, by `apup` (starting the driver puts the address back) and by the fault that
+// takes it away.
 #pragma once
 
 // Switches `lo` on. Returns 0, or -1 with errno.

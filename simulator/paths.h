@@ -4,6 +4,9 @@
 #pragma once
 
 constexpr const char GATEWAY_DIRECTORY[] = "/run/gateway";
+// What carries the run (carrier.h), and, where that is proot, the file that is there while the internal address is not.
+constexpr const char GATEWAY_CARRIER[] = "/run/gateway/carrier";
+constexpr const char GATEWAY_ADDRESS_GONE[] = "/run/gateway/address.gone";
 constexpr const char GATEWAY_SCENARIO[] = "/run/gateway/scenario";
 constexpr const char GATEWAY_JOURNAL[] = "/run/gateway/journal";
 constexpr const char GATEWAY_DRIVER_STATE[] = "/run/gateway/driver";

@@ -57,7 +57,8 @@ follow() {
     for _ in $(seq 100); do
         sleep 0.2
         show_journal
-        if grep -q '^up ath8' /run/gateway/driver && [ "$(tail -n 1 "$journal")" = "$1" ]; then
+        # A daemon that was started before it may write its own line behind it.
+        if grep -q '^up ath8' /run/gateway/driver && tail -n 3 "$journal" | grep -qxF "$1"; then
             echo
             return
         fi
@@ -67,7 +68,8 @@ follow() {
     echo
 }
 
-echo "A gateway with a store of $(grep -c = /tmp/.apcfg) settings. Indented: what each call made it do."
+carrier=$(cut -d ' ' -f 1 /run/gateway/carrier)
+echo "A gateway with a store of $(grep -c = /tmp/.apcfg) settings, carried by $carrier. Indented: what each call made it do."
 echo
 command -v rpcinfo >/dev/null && step 0 rpcinfo -p
 

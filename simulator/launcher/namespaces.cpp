@@ -5,14 +5,13 @@
 #include <sched.h>
 #include <stdio.h>
 #include <string.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
-constexpr int GATEWAY_NAMESPACES = CLONE_NEWNS | CLONE_NEWNET | CLONE_NEWPID;
+#include "simulator/launcher/messages.h"
 
-bool refused(const char *what, const char *remedy) {
-    fprintf(stderr, "vlk_simulated_gateway: %s refused (%s); %s\n", what, strerror(errno), remedy);
-    return false;
-}
+constexpr int GATEWAY_NAMESPACES = CLONE_NEWNS | CLONE_NEWNET | CLONE_NEWPID;
 
 static bool write_map(const char *path, const char *text) {
     int file = open(path, O_WRONLY | O_CLOEXEC);
@@ -36,7 +35,7 @@ static bool enter_user_namespace(void) {
         return refused(
             "a user namespace",
             "set kernel.unprivileged_userns_clone=1 (or kernel.apparmor_restrict_unprivileged_userns=0) with "
-            "sysctl, or run as root; in a container grant CAP_SYS_ADMIN");
+            "sysctl, or run as root; in a container grant CAP_SYS_ADMIN, or install proot");
     }
     // Without "deny" an ordinary user may not map groups.
     if (!write_map("/proc/self/setgroups", "deny") || !write_map("/proc/self/uid_map", users) ||
@@ -57,4 +56,29 @@ bool enter_namespaces(void) {
         return refused("a mount, network or pid namespace",
                        "raise the user.max_*_namespaces limits with sysctl; in a container grant CAP_SYS_ADMIN");
     return true;
+}
+
+// The first process of the namespaces tries the mounts that a root is made of.
+static bool may_mount(void) {
+    pid_t first = fork();
+    if (first == 0) {
+        bool good = mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                    mount("gateway", "/tmp", "tmpfs", MS_NOSUID, "mode=755") == 0 &&
+                    mount("proc", "/tmp", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC, nullptr) == 0;
+        _exit(good ? 0 : 1);
+    }
+    int status = 1;
+    return first > 0 && waitpid(first, &status, 0) == first && status == 0;
+}
+
+bool namespaces_are_refused(void) {
+    pid_t child = fork();
+    if (child == 0) {
+        // What is refused need not be told: there is another way.
+        int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+        dup2(nowhere, STDERR_FILENO);
+        _exit(enter_namespaces() && may_mount() ? 0 : 1);
+    }
+    int status = 0;
+    return child > 0 && waitpid(child, &status, 0) == child && status != 0;
 }

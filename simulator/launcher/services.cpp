@@ -20,7 +20,8 @@
 #include <linux/seccomp.h>
 
 #include "simulator/driver/driver_state.h"
-#include "simulator/launcher/private_root.h"
+#include "simulator/launcher/messages.h"
+#include "simulator/launcher/root_contents.h"
 #include "simulator/paths.h"
 
 // How long a daemon may take until it answers: far more than it needs, also under a sanitizer on a busy machine.
@@ -36,10 +37,6 @@ constexpr uint32_t SERVER_PORT = 60001;
 
 // The program search path of a gateway's daemons.
 static const char DAEMON_PATH[] = "/usr/sbin:/usr/bin:/sbin:/bin:/etc/ath";
-
-static void complain(const char *what, const char *why) {
-    fprintf(stderr, "vlk_simulated_gateway: %s: %s\n", what, why);
-}
 
 // In the child: input from nowhere, output into a log, then the program.
 [[noreturn]] static void become(const char *program, char *const *arguments, const char *log_path) {

@@ -1,9 +1,11 @@
 #!/bin/sh
 # shards.sh COUNT COMMAND...: runs a test program in COUNT shards at once, each with its part of the tests, for tests
-# that mostly wait. Shows the output of the shards that failed. Fails when one of them did, or when no test was run.
+# that mostly wait; in SHARDS at most, where that is in the environment. Shows the output of the shards that failed.
+# Fails when one of them did, or when no test was run.
 set -u
 count=$1
 shift
+[ "${SHARDS:-$count}" -ge "$count" ] || count=$SHARDS
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 pids=

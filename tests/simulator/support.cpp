@@ -56,6 +56,13 @@ static void read_pipes(int output, int errors, outcome *result) {
     }
 }
 
+// Where namespaces are refused the launcher says so, in front of whatever else it has to say.
+static void remove_way(std::string *text) {
+    static const std::string way = "vlk_simulated_gateway: namespaces are refused here; proot carries this run";
+    for (size_t at; (at = text->find(way)) != std::string::npos;)
+        text->erase(at, text->find('\n', at) - at + 1);
+}
+
 outcome run(const std::vector<std::string> &words) {
     outcome result = {127, "", ""};
     int output[2], errors[2];
@@ -70,6 +77,7 @@ outcome run(const std::vector<std::string> &words) {
     int status = 0;
     if (child > 0 && waitpid(child, &status, 0) == child)
         result.status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+    remove_way(&result.errors);
     return result;
 }
 
@@ -88,6 +96,7 @@ std::string run_on_terminal(const std::vector<std::string> &words) {
         shown.append(buffer, static_cast<size_t>(length));
     close(terminal);
     waitpid(child, nullptr, 0);
+    remove_way(&shown);
     return shown;
 }
 

@@ -10,7 +10,8 @@ struct outcome {
     std::string errors;
 };
 
-// Runs a program with its arguments, standard input empty.
+// Runs a program with its arguments, standard input empty. The errors are without the line in which a launcher says
+// that proot carries its run.
 outcome run(const std::vector<std::string> &words);
 
 // Runs a program on a terminal of its own and returns what stands on it afterwards.

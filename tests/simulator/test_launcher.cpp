@@ -333,9 +333,10 @@ bool refuse_call(unsigned number, int error) {
     return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
-// What the launcher says when the kernel refuses a call: one line, status 2.
+// What the launcher says when the kernel refuses a call and there is no proot: one line, status 2.
 std::string refusal_of(unsigned number, int error) {
-    outcome refused = in_child([=] { return refuse_call(number, error); }, {LAUNCHER, "--bare", "run", "true"});
+    auto prepare = [=] { return setenv("PATH", "/no/programs", 1) == 0 && refuse_call(number, error); };
+    outcome refused = in_child(prepare, {LAUNCHER, "--bare", "run", "/bin/true"});
     EXPECT_EQ(refused.status, 2);
     EXPECT_EQ(std::count(refused.output.begin(), refused.output.end(), '\n'), 1) << refused.output;
     return refused.output;
@@ -346,6 +347,12 @@ TEST(Launcher, RefusedNamespacesAreOneLineThatSaysWhatToSwitchOn) {
     EXPECT_NE(line.find("a user namespace refused (Operation not permitted)"), std::string::npos) << line;
     EXPECT_NE(line.find("kernel.unprivileged_userns_clone"), std::string::npos) << line;
     EXPECT_NE(line.find("CAP_SYS_ADMIN"), std::string::npos) << line;
+    EXPECT_NE(line.find("install proot"), std::string::npos) << line;
+}
+
+TEST(Launcher, WhatCarriesTheRunStandsInAFile) {
+    std::string way = bare({"cat", "/run/gateway/carrier"}).output;
+    EXPECT_TRUE(way == "namespaces\n" || way.starts_with("proot 127.")) << way;
 }
 
 TEST(Launcher, ExhaustedNamespacesAreOneLineThatNamesTheLimits) {
