@@ -17,6 +17,7 @@
 #include "config/log.h"
 #include "config/store.h"
 #include "server/wire.h"
+#include "survey/control_channel.h"
 
 constexpr int ANSWER_TIMEOUT_MS = 5000;
 
@@ -168,6 +169,18 @@ void restart_driver() {
                "AP_WPA_9=2", "WPS_ENABLE=2", "WPS_ENABLE_9=2", "AP_SSID=Home"});
     command_output apup = run_command("apup");
     EXPECT_EQ(apup.status, 0) << apup.errors;
+}
+
+void start_soft_block() {
+    constexpr int PATIENCE = 1000;
+    size_t mark = mark_of(JOURNAL_FILE);
+    run_command("softblock </dev/null >/dev/null 2>&1 &");
+    auto is_there = [mark] {
+        strings lines = lines_since(JOURNAL_FILE, mark);
+        return std::count(lines.begin(), lines.end(), "run softblock") > 0 && access(STEERING_SOCKET, F_OK) == 0;
+    };
+    for (int i = 0; i < PATIENCE && !is_there(); i++)
+        usleep(10000);
 }
 
 // Every file that belongs to the settings of the gateway.

@@ -79,6 +79,9 @@ std::string store_value(const std::string &key);
 // store has nothing else.
 void restart_driver();
 
+// Starts the soft-block daemon and waits until it is there and the journal says so.
+void start_soft_block();
+
 // Keeps what restoring factory defaults changes or removes, to put it back: the store, the defaults file, everything
 // that lies in /nvram.
 class kept_settings {

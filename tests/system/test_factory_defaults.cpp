@@ -65,7 +65,7 @@ protected:
         kept.put_back();
         // It reads its list when it starts.
         if (daemon_ended)
-            run_command("softblock </dev/null >/dev/null 2>&1 &");
+            start_soft_block();
     }
 
     static void place_tool(const std::string &does) {

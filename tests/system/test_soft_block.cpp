@@ -36,11 +36,8 @@ protected:
     }
 
     static void TearDownTestSuite() {
-        if (!gateway_has_one)
-            return;
-        run_command("softblock </dev/null >/dev/null 2>&1 &");
-        for (int i = 0; i < PATIENCE && access(STEERING_SOCKET, F_OK) != 0; i++)
-            usleep(10000);
+        if (gateway_has_one)
+            start_soft_block();
     }
 
     void SetUp() override {
