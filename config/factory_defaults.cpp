@@ -1,8 +1,11 @@
 // Factory defaults. See the header.
 #include "config/factory_defaults.h"
 
+#include <errno.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <string.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "config/command.h"
@@ -120,31 +123,55 @@ static bool takes_line(copying *state, const char *marker, const char *line, siz
     return false;
 }
 
-// A line that is too long comes in pieces: its beginning decides for all of it.
-static void copy_lines(FILE *defaults, FILE *store, int scope) {
+// Copies the lines, or without a store only counts their bytes. A line that is too long comes in pieces: its beginning
+// decides for all of it.
+static off_t copy_lines(FILE *defaults, FILE *store, int scope) {
     copying state = scope == SCOPE_ALL ? copying::EVERYTHING : copying::OUTSIDE_SECTION;
     const char *marker = scope == SCOPE_ALL ? "" : section_marker[scope];
     char piece[PIECE_SIZE];
     bool begins_line = true;
     bool taken = false;
+    off_t copied = 0;
     size_t length;
-    while (!ferror(store) && (length = read_piece(defaults, piece, sizeof(piece))) > 0) {
+    while (!(store && ferror(store)) && (length = read_piece(defaults, piece, sizeof(piece))) > 0) {
         if (begins_line) {
             taken = takes_line(&state, marker, piece, length);
         }
         if (taken) {
+            copied += static_cast<off_t>(length);
+        }
+        if (taken && store) {
             fwrite(piece, 1, length, store);
         }
         begins_line = piece[length - 1] == '\n';
     }
-    if (ferror(defaults)) {
+    if (store && ferror(defaults)) {
         log_error("[VLK-API] Error %s read %s failed\n", OPERATION, DEFAULTS_FILE);
     }
+    return copied;
+}
+
+// What is no file may have no end, or be there once only.
+static bool can_be_read_twice(FILE *defaults) {
+    struct stat status;
+    return fstat(fileno(defaults), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+// Takes the room for the lines and the zeros behind them before anything is written: a store that was written over by
+// half is none. Returns false without room; the store is then as it was.
+static bool take_room(FILE *store, FILE *defaults, int scope) {
+    if (!can_be_read_twice(defaults)) {
+        return true;
+    }
+    off_t length = copy_lines(defaults, nullptr, scope) + static_cast<off_t>(sizeof(STORE_END));
+    rewind(defaults);
+    int error = posix_fallocate(fileno(store), ftello(store), length);
+    return error != ENOSPC && error != EFBIG;
 }
 
 // Writes the lines and the zeros behind them, and closes the store.
 static void rewrite_store(FILE *store, FILE *defaults, int scope) {
-    bool written = find_place(store, scope);
+    bool written = find_place(store, scope) && take_room(store, defaults, scope);
     if (written) {
         copy_lines(defaults, store, scope);
         written = !ferror(store) && fwrite(STORE_END, 1, sizeof(STORE_END), store) == sizeof(STORE_END);

@@ -34,6 +34,13 @@ constexpr const char AIRTIME_FULL_OF_STATIONS[] = "stations";  // without a row 
 // The fault with which no text in the driver's records has its NUL; its only value is "unterminated".
 constexpr const char TEXTS_FAULT[] = "texts";
 
+// The fault that moves the time of day, as the server reads it, by so many seconds.
+constexpr const char CLOCK_FAULT[] = "clock";
+
+// The fault with which a process has the store's lock; its only value.
+constexpr const char STORE_LOCK_FAULT[] = "store_lock";
+constexpr const char STORE_LOCK_HELD[] = "held";
+
 // True when the fault is on; value (size bytes) then holds its value, else it is empty.
 bool fault_get(const char *name, char *value, size_t size);
 

@@ -13,11 +13,21 @@
 #include "simulator/internal_address.h"
 #include "simulator/paths.h"
 #include "simulator/preload/requests.h"
+#include "simulator/tools/held_lock.h"
 #include "simulator/tools/markers.h"
 #include "simulator/tools/tools.h"
 
 // What a fault of this name may be set to.
-enum fault_kind { FAULT_UNKNOWN, FAULT_TOOL, FAULT_DAEMON, FAULT_ERRNO, FAULT_NUMBER, FAULT_WORD, FAULT_ADDRESS };
+enum fault_kind {
+    FAULT_UNKNOWN,
+    FAULT_TOOL,
+    FAULT_DAEMON,
+    FAULT_ERRNO,
+    FAULT_NUMBER,
+    FAULT_WORD,
+    FAULT_ADDRESS,
+    FAULT_LOCK
+};
 
 // A fault whose value is a word, and one such word; the first of a fault is the usual one.
 struct word_fault {
@@ -28,6 +38,7 @@ static const word_fault word_faults[] = {
     {TEXTS_FAULT, "unterminated"},
     {AIRTIME_FULL_FAULT, "on"},
     {AIRTIME_FULL_FAULT, AIRTIME_FULL_OF_STATIONS},
+    {STORE_LOCK_FAULT, STORE_LOCK_HELD},
 };
 
 static const word_fault *find_word_fault(const char *name) {
@@ -53,6 +64,9 @@ struct number_fault {
     const char *usual;
 };
 
+// Nobody's clock is wrong by more than a century, in seconds.
+constexpr int64_t CENTURY = 100LL * 366 * 86400;
+
 // Counts are words of 32 bits, that of an airtime table of 16, which their reader may take for numbers with a sign. The
 // usual ones are: more networks than a byte can say, as many stations as can be told, as many entries as a byte can
 // say, a scan that does not end. A negative status would be a failure, which has a fault of its own.
@@ -63,6 +77,7 @@ static const number_fault number_faults[] = {
     {TABLE_COUNT_FAULT, INT32_MIN, UINT32_MAX, "255"},
     {SCAN_STATUS_FAULT, 0, INT32_MAX, "1"},
     {AIRTIME_COUNT_FAULT, INT16_MIN, UINT16_MAX, "65535"},
+    {CLOCK_FAULT, -CENTURY, CENTURY, "86400"},
 };
 
 static const number_fault *find_number_fault(const char *name) {
@@ -112,6 +127,8 @@ static fault_kind kind_of(char *name, size_t size) {
         return FAULT_ERRNO;
     if (strcmp(name, "address") == 0)
         return FAULT_ADDRESS;
+    if (strcmp(name, STORE_LOCK_FAULT) == 0)
+        return FAULT_LOCK;
     if (find_word_fault(name) != nullptr)
         return FAULT_WORD;
     if (find_number_fault(name) != nullptr)
@@ -168,6 +185,7 @@ static bool is_value(fault_kind kind, const char *name, const char *value) {
         case FAULT_NUMBER:
             return is_number(find_number_fault(name), value);
         case FAULT_WORD:
+        case FAULT_LOCK:
             return is_word_of(name, value);
         case FAULT_ERRNO:
             return errno_by_name(value) != 0;
@@ -176,6 +194,15 @@ static bool is_value(fault_kind kind, const char *name, const char *value) {
             break;
     }
     return false;
+}
+
+// A lock that is held needs somebody who holds it.
+static int switch_on(fault_kind kind, const char *name, const char *value) {
+    return kind == FAULT_LOCK ? held_lock_begin() : fault_set(name, value);
+}
+
+static int switch_off(fault_kind kind, const char *name) {
+    return kind == FAULT_LOCK ? held_lock_end() : fault_clear(name);
 }
 
 static int change(const char *given, const char *value) {
@@ -189,12 +216,12 @@ static int change(const char *given, const char *value) {
     if (kind == FAULT_ADDRESS)
         return change_address(value);
     if (strcmp(value, "off") == 0)
-        return fault_clear(name) == 0 ? 0 : complain(name);
+        return switch_off(kind, name) == 0 ? 0 : complain(name);
     if (strlen(value) >= FAULT_VALUE_SIZE || !is_value(kind, name, value)) {
         fprintf(stderr, "fault: \"%s\" is no value for %s\n", value, name);
         return 1;
     }
-    if (fault_set(name, value) != 0)
+    if (switch_on(kind, name, value) != 0)
         return complain(name);
     // A daemon that cannot be started is one that is not there.
     if (kind == FAULT_DAEMON && daemon_is_absent(value))

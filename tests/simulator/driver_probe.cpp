@@ -10,7 +10,9 @@
 #include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <syslog.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <linux/wireless.h>
@@ -283,6 +285,18 @@ static void *popen_and_wait(void *command) {
     return nullptr;
 }
 
+// The time of day by the three functions that tell it, and the clock that nobody sets, in seconds.
+static int print_clocks() {
+    timespec day = {};
+    timespec since_start = {};
+    timeval same_day = {};
+    clock_gettime(CLOCK_REALTIME, &day);
+    clock_gettime(CLOCK_MONOTONIC, &since_start);
+    gettimeofday(&same_day, nullptr);
+    printf("%ld %ld %ld %ld\n", day.tv_sec, same_day.tv_sec, time(nullptr), since_start.tv_sec);
+    return 0;
+}
+
 // Something in a thread with as little stack as the server's workers have.
 static int in_worker(void *(*work)(void *), char *operand) {
     pthread_attr_t attributes;
@@ -321,6 +335,8 @@ int main(int argument_count, char **arguments) {
         return log_line(operand, strcmp(what, "syslog-checked") == 0);
     if (strcmp(what, "syslog-worker") == 0)
         return in_worker(log_long_line, operand);
+    if (strcmp(what, "clocks") == 0)
+        return print_clocks();
     if (strcmp(what, "system") == 0)
         return report(system(operand));
     return 2;

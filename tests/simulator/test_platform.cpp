@@ -9,6 +9,7 @@
 #include <sys/statvfs.h>
 #include <sys/vfs.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <string>
@@ -302,6 +303,68 @@ TEST_F(Platform, AToolThatHangsDoesNothingUntilItIsKilled) {
     EXPECT_EQ(run({"cfg", "-v", "AP_SSID"}).output, "Home network\n");
 }
 
+// Whether cfg gets the store's lock within a moment.
+bool cfg_gets_its_turn() {
+    return run({"timeout", "0.3", "cfg", "-a", "T=1"}).status == 0;
+}
+
+TEST_F(Platform, AHeldLockKeepsEverybodyFromTheStoreUntilTheFaultIsOff) {
+    EXPECT_EQ(run({"fault", "store_lock", "held"}).status, 0);
+    EXPECT_EQ(run({"fault"}).output, "store_lock held\n");
+    EXPECT_FALSE(cfg_gets_its_turn());
+    EXPECT_EQ(run({"fault", "store_lock", "off"}).status, 0);
+    EXPECT_TRUE(cfg_gets_its_turn());
+}
+
+TEST_F(Platform, AHeldLockIsHeldOnceHoweverOftenItIsSwitchedOn) {
+    EXPECT_EQ(run({"fault", "store_lock"}).status, 0);
+    EXPECT_EQ(run({"timeout", "5", "fault", "store_lock"}).status, 0);
+    EXPECT_FALSE(cfg_gets_its_turn());
+    EXPECT_EQ(run({"fault", "store_lock", "off"}).status, 0);
+    EXPECT_TRUE(cfg_gets_its_turn());
+}
+
+TEST_F(Platform, AHeldLockIsGivenBackWhenAllFaultsAreSwitchedOff) {
+    EXPECT_EQ(run({"fault", "store_lock"}).status, 0);
+    EXPECT_EQ(run({"fault", "off"}).status, 0);
+    EXPECT_TRUE(eventually(cfg_gets_its_turn));
+}
+
+TEST_F(Platform, TheHolderOfALockKeepsNobodyWaitingForItsOutput) {
+    EXPECT_LT(seconds_of({"sh", "-c", "fault store_lock | cat"}), 5);
+}
+
+// What the probe says of the four clocks.
+std::vector<long> probed_clocks() {
+    std::vector<long> clocks(4);
+    EXPECT_EQ(
+        sscanf(probe("clocks now").output.c_str(), "%ld %ld %ld %ld", &clocks[0], &clocks[1], &clocks[2], &clocks[3]),
+        4);
+    return clocks;
+}
+
+TEST_F(Platform, TheTimeOfDayIsTheMachinesWithoutAFault) {
+    std::vector<long> clocks = probed_clocks();
+    for (int i = 0; i < 3; i++)
+        EXPECT_NEAR(clocks[i], time(nullptr), 5) << i;
+}
+
+TEST_F(Platform, AClockThatJumpsShowsAnotherTimeOfDayToTheServer) {
+    for (long jump : {86400L, -86400L}) {
+        ASSERT_EQ(run({"fault", "clock", std::to_string(jump)}).status, 0);
+        std::vector<long> clocks = probed_clocks();
+        for (int i = 0; i < 3; i++)
+            EXPECT_NEAR(clocks[i], time(nullptr) + jump, 5) << i;
+    }
+}
+
+TEST_F(Platform, AClockThatJumpsLeavesTheClockThatNobodySets) {
+    timespec now = {};
+    ASSERT_EQ(run({"fault", "clock"}).status, 0);
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    EXPECT_NEAR(probed_clocks()[3], now.tv_sec, 5);
+}
+
 TEST_F(Platform, FaultListsWhatIsOnAndOffEndsAll) {
     run({"fault", "iwconfig", "slow", "2"});
     run({"fault", "popen", "ENOMEM"});
@@ -318,15 +381,27 @@ TEST_F(Platform, AFaultWithoutValueIsTheShortestWayToSayThatItFails) {
 }
 
 TEST_F(Platform, FaultRefusesNamesAndValuesThatDoNotExist) {
-    for (const lines &words :
-         {lines{"fault", "nonsense", "fail"}, lines{"fault", "../x", "fail"}, lines{"fault", "fault", "fail"},
-          lines{"fault", "iwconfig", "sleepy"}, lines{"fault", "iwconfig", "slow"},
-          lines{"fault", "iwconfig", "slow", "x"}, lines{"fault", "iwconfig", "slow", "86401"},
-          lines{"fault", "popen", "ENONSENSE"}, lines{"fault", "popen", "hang"},
-          lines{"fault", "iwconfig", "hang", "2"}, lines{"fault", "blacklist2g", "many"},
-          lines{"fault", "blacklist2g", "-1"}, lines{"fault", "blacklist2g", "4294967296"},
-          lines{"fault", "blacklist2g", "1x"}, lines{"fault", "ioctl:", "EIO"}, lines{"fault", "ioctl:0x8be7z", "EIO"},
-          lines{"fault", "address", "gone"}, lines{"fault", "a", "b", "c", "d"}}) {
+    for (const lines &words : {lines{"fault", "nonsense", "fail"},
+                               lines{"fault", "../x", "fail"},
+                               lines{"fault", "fault", "fail"},
+                               lines{"fault", "iwconfig", "sleepy"},
+                               lines{"fault", "iwconfig", "slow"},
+                               lines{"fault", "iwconfig", "slow", "x"},
+                               lines{"fault", "iwconfig", "slow", "86401"},
+                               lines{"fault", "popen", "ENONSENSE"},
+                               lines{"fault", "popen", "hang"},
+                               lines{"fault", "iwconfig", "hang", "2"},
+                               lines{"fault", "blacklist2g", "many"},
+                               lines{"fault", "blacklist2g", "-1"},
+                               lines{"fault", "blacklist2g", "4294967296"},
+                               lines{"fault", "blacklist2g", "1x"},
+                               lines{"fault", "ioctl:", "EIO"},
+                               lines{"fault", "ioctl:0x8be7z", "EIO"},
+                               lines{"fault", "store_lock", "free"},
+                               lines{"fault", "clock", "noon"},
+                               lines{"fault", "clock", "99999999999"},
+                               lines{"fault", "address", "gone"},
+                               lines{"fault", "a", "b", "c", "d"}}) {
         outcome refused = run(words);
         EXPECT_EQ(refused.status, 1) << words[1];
         EXPECT_NE(refused.errors, "") << words[1];

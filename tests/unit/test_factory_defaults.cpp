@@ -4,9 +4,11 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <limits.h>
+#include <signal.h>
 #include <string.h>
 #include <sys/mman.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -497,6 +499,26 @@ TEST_F(FactoryDefaults, LargeStoresAndLargeDefaultsArriveWhole) {
     EXPECT_EQ(restored(0, HEADER + old_lines + ZEROS, START_5 + new_lines + STOP_5),
               HEADER + old_lines + new_lines + ZEROS);
     EXPECT_EQ(restored(2, HEADER + old_lines + ZEROS, new_lines), HEADER + new_lines + ZEROS);
+}
+
+// A store that was written over by half would be none: the zeros at its end would be gone, and a line would be cut.
+TEST_F(FactoryDefaults, WithoutRoomForAllLinesTheStoreStaysAsItIs) {
+    std::string lines;
+    for (int i = 0; i < 20000; i++) {
+        lines += "NEW_" + std::to_string(i) + "=default\n";
+    }
+    const std::string before = read_file(STORE_FILE);
+    write_file(DEFAULTS, START_5 + lines + STOP_5);
+    rlimit usual = {};
+    getrlimit(RLIMIT_FSIZE, &usual);
+    rlimit small = {65536, usual.rlim_max};
+    auto handler = signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    printed_text printed = capture([] { EXPECT_EQ(wlan_setRestoreDefaults(0), 0); });
+    setrlimit(RLIMIT_FSIZE, &usual);
+    signal(SIGXFSZ, handler);
+    EXPECT_EQ(printed.err, WRITE_ERROR);
+    EXPECT_EQ(read_file(STORE_FILE), before);
 }
 
 TEST_F(FactoryDefaults, TheStoreIsRewrittenInItsPlace) {
