@@ -5,6 +5,7 @@
 #include <linux/wireless.h>
 #include <time.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "config/command.h"
@@ -12,8 +13,7 @@
 #include "config/store.h"
 
 // A longer list than this is not believed: the busiest places have some hundred networks. It bounds the memory, which
-// is 512 KiB then, and the sort, during which no other call is answered: its time grows with the square of the number,
-// some ten milliseconds for so many on a desktop machine.
+// is 512 KiB then, and the sort, during which no other call is answered.
 constexpr int NETWORKS_MAX = 4096;
 
 // Stands where others would have a line number. The debug line is searched for with it: it never changes.
@@ -74,11 +74,11 @@ struct ranked_network {
     int place;
 };
 
-// Strongest first. Where networks of equal strength end up follows from just these exchanges, and clients know the
-// table in this order: do not replace them by another sort, stable or not. Places are exchanged instead of the
-// networks, which are sixteen times as large.
-static void sort_networks(ranked_network *networks, int count) {
-    for (int i = 0; i < count - 1; i++) {
+// The strongest `wanted` of them to the front, strongest first. Where networks of equal strength end up follows from
+// just these exchanges, and clients know the table in this order: do not replace them by another sort, stable or not.
+// Places are exchanged instead of the networks, which are sixteen times as large.
+static void sort_networks(ranked_network *networks, int count, int wanted) {
+    for (int i = 0; i < wanted; i++) {
         ranked_network strongest = networks[i];
         for (int j = i + 1; j < count; j++) {
             if (strongest.rssi < networks[j].rssi) {
@@ -89,19 +89,21 @@ static void sort_networks(ranked_network *networks, int count) {
     }
 }
 
-static void copy_sorted(const scan_entry *list, int count, scan_table *table) {
+// First cut to the byte that it travels in, then limited: of 300 networks the strongest 44 are reported, of 256 none.
+// Do not mend it: clients have the whole number from a call of its own and expect just this one in the table.
+static int reported_number(int count) {
+    return std::min<int>(static_cast<uint8_t>(count), SCAN_ENTRIES_MAX);
+}
+
+static void copy_strongest(const scan_entry *list, int count, scan_table *table) {
     ranked_network networks[NETWORKS_MAX];
     for (int i = 0; i < count; i++) {
         networks[i] = {list[i].rssi, i};
     }
-    sort_networks(networks, count);
-    // First cut to the byte that it travels in, then limited: of 300 networks the strongest 44 are reported, of 256
-    // none. Do not mend it: clients have the whole number from a call of its own and expect just this one in the table.
-    table->num_entries = static_cast<uint8_t>(count);
-    if (table->num_entries > SCAN_ENTRIES_MAX) {
-        table->num_entries = SCAN_ENTRIES_MAX;
-    }
-    for (int i = 0; i < table->num_entries; i++) {
+    int reported = reported_number(count);
+    sort_networks(networks, count, reported);
+    table->num_entries = static_cast<uint8_t>(reported);
+    for (int i = 0; i < reported; i++) {
         table->entries[i] = list[networks[i].place];
         table->entries[i].scan_flag = table->entries[i].scan_flag ? 1 : 0;
     }
@@ -131,7 +133,7 @@ int wlan_getApScanResult_2(int index, scan_table *table) {
     }
     int result = fill_list(index, list, count);
     if (result == 0) {
-        copy_sorted(list, count, table);
+        copy_strongest(list, count, table);
     }
     free_list(list, count);
     return result;
