@@ -21,7 +21,7 @@ struct comparison {
 
 // Both answer calls for some time, so many at once, in rounds (a rehearsal has one).
 comparison compare(const running_server &server, const load_call &ours, const running_server &floor,
-                   const load_call &theirs, int outstanding, int rounds = 10);
+                   const load_call &theirs, int outstanding, int rounds);
 
 // The goal is the least ratio.
 void print_comparison(const char *name, const comparison &result, double goal);

@@ -1,7 +1,7 @@
 #!/bin/sh
-# without_namespaces.sh AS_IN_A_CONTAINER SYSTEM_TESTS GATEWAY OPTION...: where namespaces are refused and the rights
-# are those of a container, the gateway works all the same, several at once; it writes nothing outside, signals nobody
-# outside, and leaves no process and no file behind, however it ends. GATEWAY and its options start one.
+# without_namespaces.sh AS_IN_A_CONTAINER SYSTEM_TESTS GATEWAY --rpcbind PROGRAM: where namespaces are refused and the
+# rights are those of a container, the gateway works all the same, several at once; it writes nothing outside, signals
+# nobody outside, and leaves no process and no file behind, however it ends. GATEWAY is that of the build.
 set -u
 here=$(readlink -f "$0")
 fail() {
@@ -14,6 +14,10 @@ if [ -z "${STAGE:-}" ]; then
     FOLDER=$(mktemp -d /var/tmp/without_namespaces.XXXXXX)
     trap 'rm -rf "$FOLDER"' EXIT
     trap 'exit 1' INT TERM HUP
+    # For the ordinary user below, who may have no way to the build.
+    chmod 755 "$FOLDER"
+    DESTDIR=$FOLDER/installed cmake --install "$(dirname "$(dirname "$3")")" >/dev/null || fail "nothing was installed"
+    cp "$5" "$FOLDER/installed/rpcbind"
     root=
     [ "$(id -u)" = 0 ] || root=--map-root-user
     export FOLDER
@@ -153,8 +157,10 @@ done
 # As the ordinary user too, who may not have ports below 1024.
 [ "$(id -u)" != 0 ] || {
     mkdir -m 777 "$TMPDIR/user"
-    TMPDIR="$TMPDIR/user" setpriv --reuid=65534 --regid=65534 --clear-groups --bounding-set=-all "$@" run \
-        vlk_rpc_wlan_config_client getSsid 1 2>&1 | grep -qx 'Home network' || fail "not for an ordinary user"
+    installed=$(find "$FOLDER/installed" -name vlk_simulated_gateway -type f)
+    TMPDIR="$TMPDIR/user" setpriv --reuid=65534 --regid=65534 --clear-groups --bounding-set=-all "$installed" \
+        --rpcbind "$FOLDER/installed/rpcbind" run vlk_rpc_wlan_config_client getSsid 1 >"$FOLDER/user" 2>&1
+    grep -qx 'Home network' "$FOLDER/user" || fail "not for an ordinary user: $(cat "$FOLDER/user")"
     rmdir "$TMPDIR/user"
 }
 
