@@ -20,7 +20,7 @@ constexpr double LEAST_OF_NULL = 0.97;
 
 // Of a comparison; with both processors at work they differ more from each other.
 constexpr int ROUNDS = 10;
-constexpr int ROUNDS_ON_TWO = 20;
+constexpr int ROUNDS_ON_TWO = 16;
 
 static int rounds_for(int outstanding) {
     return outstanding > 1 ? ROUNDS_ON_TWO : ROUNDS;
@@ -36,7 +36,7 @@ static void compare_both_ways(const running_server &server, const running_server
                      LEAST);
     std::string with_looks = "  the same with " + std::to_string(looks) + " looks at the debug switch";
     print_comparison(with_looks.c_str(),
-                     compare(server, call, floor, call_of(floor, theirs, {looks}), outstanding, rounds), LEAST);
+                     compare(server, call, floor, call_of(floor, theirs, {looks}), outstanding, rounds / 2), LEAST);
 }
 
 static void compare_getters(int lines, int outstanding) {

@@ -265,10 +265,11 @@ const command_row command_rows[] = {
      OPTIONS(batch_options),
      run_batch,
      "carry out commands and operations, a line each, of a file or of standard input",
-     "Lines are split into words as a shell does it: blanks, '...', \"...\" and backslashes, and # begins a comment.\n"
-     "Nothing is expanded. Options on a line hold for that line. Without FILE, and with -, lines are read from\n"
-     "standard input and carried out as they arrive. The first line that fails ends the batch; its exit status is the\n"
-     "batch's, also with --keep-going. With -o json each answer is one line and has the number of its line."},
+     "Lines are split into words as a shell does it: blanks, '...', \"...\", $'...' with \\xHH, and backslashes; #\n"
+     "begins a comment. Nothing is expanded. Options on a line hold for that line. Without FILE, and with -, lines\n"
+     "are read from standard input and carried out as they arrive. The first line that fails ends the batch; its exit\n"
+     "status is the batch's, also with --keep-going. With -o json each answer is one line and has the number of its\n"
+     "line."},
     {"shell",
      command_group::SCRIPTS,
      "",
