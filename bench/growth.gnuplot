@@ -26,6 +26,7 @@ plot "build/bench/vaps.tsv" using 1:2 title "server", "" using 1:3 title "as man
 set title "Null calls, by calls under way"
 set xlabel "calls that wait"
 set ylabel "thousand calls a second"
+set key bottom left
 set logscale x
 plot "build/bench/waiting.tsv" using 1:2 title "server", "" using 1:3 title "bare server"
 unset multiplot
