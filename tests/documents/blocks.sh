@@ -13,6 +13,8 @@ for document; do
     awk -v folder="$folder" '
         /^```sh$/ { name = sprintf("%s/%05d", folder, NR + 1); inside = 1; next }
         /^```/ { inside = 0; next }
+        # A shell goes on behind "! command" whatever its status is.
+        inside && sub(/^! /, "") { $0 = "if " $0 "; then exit 1; fi" }
         inside { print > name }' "$document"
     for block in "$folder"/*; do
         [ -e "$block" ] || continue
