@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <pthread.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -20,7 +21,17 @@ std::string success(const std::string &result) {
     return accepted(0, result);
 }
 
+// Held by a peer that is at work, and by a thread that forks.
+static std::mutex at_work;
+
+static void fork_between_the_answers() {
+    static const int registered =
+        pthread_atfork([] { at_work.lock(); }, [] { at_work.unlock(); }, [] { at_work.unlock(); });
+    EXPECT_EQ(registered, 0);
+}
+
 FakePeer::FakePeer() {
+    fork_between_the_answers();
     sockaddr_in address = {};
     socklen_t size = sizeof address;
     address.sin_family = AF_INET;
@@ -33,6 +44,7 @@ FakePeer::FakePeer() {
     reply_fd = socket_fd;
     EXPECT_EQ(pipe2(stop, O_CLOEXEC), 0);
     thread = std::thread([this] { serve(); });
+    serving.wait();
 }
 
 FakePeer::~FakePeer() {
@@ -46,6 +58,11 @@ FakePeer::~FakePeer() {
 void FakePeer::answer_with(const bytes &behind_the_xid) {
     std::lock_guard guard(lock);
     answer = behind_the_xid;
+}
+
+void FakePeer::answer_after(std::chrono::milliseconds milliseconds) {
+    std::lock_guard guard(lock);
+    delay = milliseconds;
 }
 
 void FakePeer::answer_the_call_before_with(const bytes &behind_the_xid) {
@@ -75,11 +92,20 @@ FakePeer::bytes FakePeer::procedure() {
 
 void FakePeer::serve() {
     pollfd waiting[] = {{socket_fd, POLLIN, 0}, {stop[0], POLLIN, 0}};
-    while (poll(waiting, 2, -1) > 0 && !waiting[1].revents)
+    serving.count_down();
+    while (poll(waiting, 2, -1) > 0 && !waiting[1].revents) {
+        std::this_thread::sleep_for(wanted_delay());
         answer_one();
+    }
+}
+
+std::chrono::milliseconds FakePeer::wanted_delay() {
+    std::lock_guard guard(lock);
+    return delay;
 }
 
 void FakePeer::answer_one() {
+    std::lock_guard busy(at_work);
     char buffer[65536];
     sockaddr_in from = {};
     socklen_t size = sizeof from;

@@ -4,6 +4,8 @@
 #include <netinet/in.h>
 #include <sys/types.h>
 
+#include <chrono>
+#include <latch>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -16,7 +18,8 @@ std::string word_bytes(uint32_t word);
 std::string accepted(uint32_t accept_status, const std::string &result);
 std::string success(const std::string &result);
 
-// Answers every datagram with its xid and what the test wants behind that; not at all while that is empty.
+// Answers every datagram with its xid and what the test wants behind that; not at all while that is empty. The process
+// may fork at any time: no peer is in the middle of an allocation then, whose lock the child would have for ever.
 class FakePeer {
 public:
     using bytes = std::string;
@@ -27,6 +30,9 @@ public:
     FakePeer &operator=(const FakePeer &) = delete;
 
     void answer_with(const bytes &behind_the_xid);
+
+    // From now on each answer takes this long, one after another.
+    void answer_after(std::chrono::milliseconds);
 
     // From now on the call before is answered too, with this, where it came from, right before the one that has come.
     void answer_the_call_before_with(const bytes &behind_the_xid);
@@ -45,6 +51,7 @@ public:
 private:
     void serve();
     void answer_one();
+    std::chrono::milliseconds wanted_delay();
 
     int socket_fd;
     int elsewhere_fd;
@@ -58,5 +65,7 @@ private:
     sockaddr_in caller = {};
     sockaddr_in caller_before = {};
     int datagrams = 0;
+    std::chrono::milliseconds delay{0};
+    std::latch serving{1};
     std::thread thread;
 };

