@@ -199,7 +199,9 @@ static void look_again(void) {
     nanosleep(&pause, nullptr);
 }
 
-// proot keeps its loader in a file of its own, /tmp/prooted-PID-XXXXXX, and leaves it there when it is killed.
+// proot keeps its loader in a file of its own, /tmp/prooted-PID-XXXXXX, and leaves it there when it is killed. The
+// number may be that of another proot too, in a container with which this one shares the folder: so it is for proot to
+// remove where it can.
 static void remove_loader(pid_t proot) {
     char beginning[32];
     char path[PATH_MAX];
@@ -215,36 +217,39 @@ static void remove_loader(pid_t proot) {
         closedir(files);
 }
 
+enum proot_state { RUNNING, ENDED, KILLED };
+
+// Collects what ended, and notes it when proot is among it. Returns false when there are no children any more.
+static bool collect(pid_t proot, proot_state *state) {
+    int status;
+    pid_t ended;
+    while ((ended = waitpid(-1, &status, WNOHANG)) > 0) {
+        if (ended == proot)
+            *state = WIFSIGNALED(status) ? KILLED : ENDED;
+    }
+    return ended == 0 || errno != ECHILD;
+}
+
 // First what proot carries: left alone, it would go on among the host's files. Then proot ends by itself. What escaped
 // from it became a child of the keeper's.
-static void end_everything(pid_t proot, bool ended) {
-    for (int i = 0; !ended && i < END_LOOKS; i++) {
+static void end_everything(pid_t proot, proot_state *state) {
+    for (int i = 0; *state == RUNNING && i < END_LOOKS; i++) {
         kill_those("TracerPid:", proot);
-        ended = waitpid(proot, nullptr, WNOHANG) == proot;
-        if (!ended)
+        collect(proot, state);
+        if (*state == RUNNING)
             look_again();
     }
     while (true) {
         kill_those("PPid:", getpid());
-        pid_t collected = waitpid(-1, nullptr, WNOHANG);
-        if (collected < 0 && errno == ECHILD)
+        if (!collect(proot, state))
             return;
-        if (collected == 0)
-            look_again();
+        look_again();
     }
 }
 
-// Collects what ended. True when proot is among it.
-static bool has_ended(pid_t proot) {
-    bool found = false;
-    for (pid_t ended; (ended = waitpid(-1, nullptr, WNOHANG)) > 0;)
-        found = found || ended == proot;
-    return found;
-}
-
 // Waits until the launcher inside says how the command ended, or proot, the launcher inside or the one outside ends.
-// Returns the status that was said, STATUS_NO_GATEWAY without one; *ended says whether proot has ended.
-static int wait_for_end(pid_t proot, int children, int alive, int said, bool *ended) {
+// Returns the status that was said, STATUS_NO_GATEWAY without one.
+static int wait_for_end(pid_t proot, int children, int alive, int said, proot_state *state) {
     pollfd events[] = {{children, POLLIN, 0}, {alive, POLLIN, 0}, {said, POLLIN, 0}};
     int status;
     while (true) {
@@ -253,11 +258,9 @@ static int wait_for_end(pid_t proot, int children, int alive, int said, bool *en
         // What was said counts, whatever happened since.
         if (read(said, &status, sizeof status) == (ssize_t)sizeof status)
             return status;
-        if (read(children, &ignored, sizeof ignored) > 0 && has_ended(proot)) {
-            *ended = true;
-            return STATUS_NO_GATEWAY;
-        }
-        if (events[1].revents != 0 || !has_child(proot))
+        if (read(children, &ignored, sizeof ignored) > 0)
+            collect(proot, state);
+        if (*state != RUNNING || events[1].revents != 0 || !has_child(proot))
             return STATUS_NO_GATEWAY;
     }
 }
@@ -295,12 +298,13 @@ static int keep_proot(const char *proot, const options *given, const scratch_roo
     }
     close(said[1]);
     ignore_signals();
-    bool ended = carried < 0;
-    int status = ended ? STATUS_NO_GATEWAY : wait_for_end(carried, children, alive, said[0], &ended);
-    if (ended && !has_begun(scratch))
+    proot_state state = carried < 0 ? ENDED : RUNNING;
+    int status = state == ENDED ? STATUS_NO_GATEWAY : wait_for_end(carried, children, alive, said[0], &state);
+    if (state != RUNNING && !has_begun(scratch))
         complain(proot, "ended before there was a gateway");
-    end_everything(carried, ended);
-    remove_loader(carried);
+    end_everything(carried, &state);
+    if (state == KILLED)
+        remove_loader(carried);
     return status;
 }
 

@@ -89,6 +89,8 @@ touring=$!
         i=$((i + 1))
     done
     [ "${value_0##*_}" = 0 ] && [ "${value_3999##*_}" = 3999 ]
+    # Nobody gets any by brk(), of which proot makes one heap for processes that are started at the same time.
+    [ "$(/usr/bin/python3 -c "import ctypes; print(ctypes.CDLL(None).sbrk(4096))")" = -1 ]
     [ -z "$(ls -A /.host/tmp /.host/run /.host/proc | grep -v :)" ]
     vlk_rpc_wlan_config_client setSsid 1 "Second gateway"
     vlk_rpc_wlan_config_client getSsid 1 | grep -qx "Second gateway"

@@ -58,8 +58,8 @@ inline void add_to_scenario(const std::string &text) {
 
 // Runs the program that makes calls with the driver library in front of it.
 inline outcome probe(const std::string &arguments) {
-    return run_shell("LD_PRELOAD=$VLK_GATEWAY_DRIVER ASAN_OPTIONS=verify_asan_link_order=0 " DRIVER_PROBE " " +
-                     arguments);
+    std::string preloaded = "LD_PRELOAD=$VLK_GATEWAY_DRIVER ASAN_OPTIONS=verify_asan_link_order=0:$ASAN_OPTIONS ";
+    return run_shell(preloaded + DRIVER_PROBE " " + arguments);
 }
 
 // A scenario of one radio and one VAP that is up, for tests that bring their own.
