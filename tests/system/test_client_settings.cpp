@@ -868,7 +868,9 @@ TEST_F(UnconfirmedSettings, ThatChangeNothingNeedNoConfirmation) {
 TEST_F(UnconfirmedSettings, WhoseProcessWasKilledAreKeptInAFile) {
     EXPECT_EQ(client(std::string("apply --confirm-within 30 ") + DOCUMENT).status, 0);
     EXPECT_EQ(run_command("kill -KILL $(pgrep -f '[a]pply --confirm')").status, 0);
-    EXPECT_TRUE(wait_for([] { return run_command("pgrep -f '[a]pply --confirm'").text.empty(); }));
+    // A process that ends has no command line any more before its lock is free.
+    EXPECT_TRUE(
+        wait_for([] { return run_command(std::string("flock --nonblock ") + STATE_FILE + " true").status == 0; }));
     EXPECT_EQ(client("confirm").status, 6);
     command_output next = client(std::string("apply ") + DOCUMENT);
     EXPECT_EQ(next.status, 0) << next.errors;
