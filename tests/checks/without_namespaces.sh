@@ -156,6 +156,16 @@ for killed in launcher-TERM launcher-KILL proot; do
 done
 # What the command leaves behind is ended before it could get at the files outside.
 "$@" --bare run sh -c 'while :; do : >/tmp/here_too; done & sleep 0.1' 2>/dev/null || fail "it did not end as it should"
+# Another container that shares /tmp may have a proot of the same number, whose loader is left to it.
+# shellcheck disable=SC2016 # the gateway's shell expands it
+"$@" --bare run sh -c 'sed -n "s/^TracerPid:\t//p" /proc/self/status; until [ -e "$0" ]; do sleep 0.1; done' \
+    "$FOLDER/enough" >"$FOLDER/number" 2>/dev/null &
+numbered=$!
+until [ -s "$FOLDER/number" ]; do sleep 0.1; done
+foreign=/tmp/prooted-$(cat "$FOLDER/number")-foreign
+touch "$foreign" "$FOLDER/enough"
+wait "$numbered"
+rm "$foreign" || fail "the loader of another container's proot is gone"
 # As the ordinary user too, who may not have ports below 1024.
 [ "$(id -u)" != 0 ] || {
     mkdir -m 777 "$TMPDIR/user"
